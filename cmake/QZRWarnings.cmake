@@ -1,0 +1,18 @@
+# Project-wide compile settings shared by the library, tests, tools and benchmarks.
+add_library(qzr_compile_options INTERFACE)
+if(MSVC)
+    target_compile_options(qzr_compile_options INTERFACE /W4 /utf-8)
+    if(QZR_WARNINGS_AS_ERRORS)
+        target_compile_options(qzr_compile_options INTERFACE /WX)
+    endif()
+else()
+    target_compile_options(qzr_compile_options INTERFACE -Wall -Wextra)
+    if(QZR_WARNINGS_AS_ERRORS)
+        target_compile_options(qzr_compile_options INTERFACE -Werror)
+    endif()
+endif()
+if(QZR_SANITIZE)
+    target_compile_options(qzr_compile_options INTERFACE
+        -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(qzr_compile_options INTERFACE -fsanitize=address,undefined)
+endif()

@@ -1,0 +1,99 @@
+// CQZRIM: the record of one injection-moulding machine.
+#ifndef QZRMACHINE_QZRIM_H
+#define QZRMACHINE_QZRIM_H
+
+#include <memory>
+
+#include <QZRMachine/NozzleSpecification.h>
+#include <QZRMachine/QZRExport.h>
+#include <QZRMachine/QZRMoldingMachine.h>
+
+class QZRMACHINE_API CQZRIM : public CQZRMoldingMachine {
+public:
+    CQZRIM();
+    CQZRIM(const CQZRIM& other);
+    CQZRIM& operator=(const CQZRIM& other);
+    ~CQZRIM() override;
+
+    const char* GetScrewType() const;
+    void SetScrewType(const char* screwType);
+    double GetShotWeight() const;
+    void SetShotWeight(double value);
+    double GetShotVolume() const;
+    void SetShotVolume(double value);
+    double GetInjectionPressure() const;
+    void SetInjectionPressure(double value);
+    double GetHoldingPressure() const;
+    void SetHoldingPressure(double value);
+    double GetInjectionRate() const;
+    void SetInjectionRate(double value);
+    double GetInjectionSpeed() const;
+    void SetInjectionSpeed(double value);
+    double GetScrewDiameter() const;
+    void SetScrewDiameter(double value);
+    double GetScrewStroke() const;
+    void SetScrewStroke(double value);
+    double GetScrewSpeed() const;
+    void SetScrewSpeed(double value);
+    double GetPlasticationRate() const;
+    void SetPlasticationRate(double value);
+    double GetNozzleContactForce() const;
+    void SetNozzleContactForce(double value);
+    double GetNozzleStroke() const;
+    void SetNozzleStroke(double value);
+    double GetHeaterWattage() const;
+    void SetHeaterWattage(double value);
+    int GetTemperatureControlZone() const;
+    void SetTemperatureControlZone(int value);
+    double GetClampingForce() const;
+    void SetClampingForce(double value);
+    double GetOpeningStroke() const;
+    void SetOpeningStroke(double value);
+    double GetMaxDaylight() const;
+    void SetMaxDaylight(double value);
+    double GetMoldHeight() const;
+    void SetMoldHeight(double value);
+    const char* GetDistanceBetweenTieBars() const;
+    void SetDistanceBetweenTieBars(const char* text);
+    const char* GetPlatenSize() const;
+    void SetPlatenSize(const char* text);
+    int GetEjectorPoint() const;
+    void SetEjectorPoint(int value);
+    double GetEjectorForce() const;
+    void SetEjectorForce(double value);
+    double GetEjectorStroke() const;
+    void SetEjectorStroke(double value);
+    double GetMachineWeight() const;
+    void SetMachineWeight(double value);
+    const char* GetMachineDimension() const;
+    void SetMachineDimension(const char* text);
+    double GetTimeConstFR() const;
+    void SetTimeConstFR(double value);
+    double GetTimeConstIP() const;
+    void SetTimeConstIP(double value);
+    double GetNozzleVolume() const;
+    void SetNozzleVolume(double value);
+    double GetMaxPressureSlope() const;
+    void SetMaxPressureSlope(double value);
+    int GetMachineEnergyType() const;
+    void SetMachineEnergyType(int value);
+    double GetHydraulicPressureTransferFactor() const;
+    void SetHydraulicPressureTransferFactor(double value);
+    // The record's own specification: changes made through the reference are kept.
+    NozzleSpecification& GetNozzleSpecification();
+    const NozzleSpecification& GetNozzleSpecification() const;
+    void SetNozzleSpecification(const NozzleSpecification& specification);
+
+    // Same machine by full data, by key data, and by maker and grade only.
+    bool IsMachineIdentity(const CQZRIM& other) const;
+    bool IsSimpleMachineIdentity(const CQZRIM& other) const;
+    bool IsNameIdentity(const CQZRIM& other) const;
+
+private:
+    struct Fields;
+    QZRMACHINE_PRIVATE_MEMBERS_BEGIN
+    std::unique_ptr<Fields> m_fields;
+    QZRMACHINE_PRIVATE_MEMBERS_END
+};
+
+#endif  // QZRMACHINE_QZRIM_H

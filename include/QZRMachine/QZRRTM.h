@@ -1,0 +1,48 @@
+// CQZRRTM: the record of one transfer-moulding machine.
+#ifndef QZRMACHINE_QZRRTM_H
+#define QZRMACHINE_QZRRTM_H
+
+#include <memory>
+
+#include <QZRMachine/QZRExport.h>
+#include <QZRMachine/QZRMoldingMachine.h>
+
+class QZRMACHINE_API CQZRRTM : public CQZRMoldingMachine {
+public:
+    CQZRRTM();
+    CQZRRTM(const CQZRRTM& other);
+    CQZRRTM& operator=(const CQZRRTM& other);
+    ~CQZRRTM() override;
+
+    double GetTransferPressure() const;
+    void SetTransferPressure(double value);
+    double GetPlungerStroke() const;
+    void SetPlungerStroke(double value);
+    double GetPlungerDiameter() const;
+    void SetPlungerDiameter(double value);
+    double GetPlungerSpeed() const;
+    void SetPlungerSpeed(double value);
+    double GetTransferRate() const;
+    void SetTransferRate(double value);
+    double GetTransferForce() const;
+    void SetTransferForce(double value);
+    double GetShotWeight() const;
+    void SetShotWeight(double value);
+    double GetShotVolume() const;
+    void SetShotVolume(double value);
+    double GetClampingForce() const;
+    void SetClampingForce(double value);
+
+    // For transfer-moulding records the full and the key-data comparison are the same.
+    bool IsMachineIdentity(const CQZRRTM& other) const;
+    bool IsSimpleMachineIdentity(const CQZRRTM& other) const;
+    bool IsNameIdentity(const CQZRRTM& other) const;
+
+private:
+    struct Fields;
+    QZRMACHINE_PRIVATE_MEMBERS_BEGIN
+    std::unique_ptr<Fields> m_fields;
+    QZRMACHINE_PRIVATE_MEMBERS_END
+};
+
+#endif  // QZRMACHINE_QZRRTM_H

@@ -1,0 +1,14 @@
+// The six kinds of bank: what header recognition reports and what selects a default location.
+#ifndef QZR_BANK_BANKPATHKIND_H
+#define QZR_BANK_BANKPATHKIND_H
+
+enum BankPathKind {
+    OldIMMSystemBank = 0,
+    OldIMMUserBank = 1,
+    IMMSystemBankFiles = 2,
+    IMMUserBank = 3,
+    RTMSystemBankFiles = 4,
+    RTMUserBank = 5,
+};
+
+#endif  // QZR_BANK_BANKPATHKIND_H

@@ -1,0 +1,13 @@
+// The row layouts of the legacy tabular bank, chosen by the catalogue's file version.
+#ifndef QZR_BANK_LEGACY_OLDROWLAYOUT_H
+#define QZR_BANK_LEGACY_OLDROWLAYOUT_H
+
+enum class OldRowLayout {
+    kBase,        // user banks below 7003, system banks below 7007
+    kUser7003,    // user banks of version 7003
+    kUser7004,    // user banks of version 7004
+    kUser7005,    // user banks above 7004 (the writer's 7007 among them)
+    kSystem7007,  // system banks of version 7007 and above
+};
+
+#endif  // QZR_BANK_LEGACY_OLDROWLAYOUT_H

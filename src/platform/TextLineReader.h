@@ -1,0 +1,50 @@
+// Reading bank files as a text-mode stream does on every platform: CR LF reads as LF, a lone
+// CR is kept, a Ctrl-Z byte (0x1A) ends the file. Line-length limits count characters after
+// that translation, so lines split at the same places everywhere. This is the library's one
+// text-mode line reader; everything that reads a bank line by line uses it.
+#ifndef QZR_PLATFORM_TEXTLINEREADER_H
+#define QZR_PLATFORM_TEXTLINEREADER_H
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "platform/Env.h"
+
+namespace qzr::platform {
+
+// Length of the next line piece of already translated text: up to and including the first
+// LF, but at most maxChars characters (the rest of a longer line is the next piece). 0 only
+// when text is empty or maxChars is 0.
+size_t NextLineLength(std::string_view text, size_t maxChars);
+
+// Reads a whole file through the text-mode translation. False when it cannot be opened.
+bool ReadTextFile(const std::string& path, std::string* text);
+
+class TextLineReader {
+public:
+    // Opens path through the current Env; IsOpen() tells whether that worked.
+    explicit TextLineReader(const std::string& path);
+    bool IsOpen() const;
+
+    // Like fgets with a buffer of maxChars + 1: the next line piece (at most maxChars
+    // characters, the LF included when it fits) replaces *line. False when nothing is left.
+    bool ReadLine(std::string* line, size_t maxChars);
+    // Like feof: true once a read has reached the end of the file (or its Ctrl-Z).
+    bool AtEnd() const;
+
+private:
+    bool Refill();
+
+    std::unique_ptr<ReadableFile> m_file;
+    std::string m_buffer;  // translated characters not yet handed out
+    size_t m_pos = 0;
+    bool m_fileExhausted = false;
+    bool m_atEnd = false;
+    bool m_pendingCr = false;
+};
+
+}  // namespace qzr::platform
+
+#endif  // QZR_PLATFORM_TEXTLINEREADER_H

@@ -1,0 +1,21 @@
+// Pure rules of folder enumeration, shared by every platform's Env.
+#ifndef QZR_PLATFORM_WILDCARD_H
+#define QZR_PLATFORM_WILDCARD_H
+
+#include <string>
+#include <string_view>
+
+namespace qzr::platform {
+
+// '*' matches any run of characters, '?' any one; case-insensitive.
+bool WildcardMatch(std::string_view pattern, std::string_view name);
+// NTFS listing order: names upper-cased, then compared byte by byte.
+bool NtfsNameLess(std::string_view first, std::string_view second);
+// The pattern's text up to and including its last separator ('\\' or '/'); empty if none.
+std::string PatternFolder(std::string_view pattern);
+// The pattern's last component (the part holding the wildcards).
+std::string PatternName(std::string_view pattern);
+
+}  // namespace qzr::platform
+
+#endif  // QZR_PLATFORM_WILDCARD_H
