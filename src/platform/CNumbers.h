@@ -3,6 +3,7 @@
 #ifndef QZR_PLATFORM_CNUMBERS_H
 #define QZR_PLATFORM_CNUMBERS_H
 
+#include <cstdarg>
 #include <string>
 
 namespace qzr::platform {
@@ -23,6 +24,12 @@ std::string FormatC(const char* format, ...)
 void AppendFormatC(std::string* out, const char* format, ...)
 #if defined(__GNUC__)
     __attribute__((format(printf, 2, 3)))
+#endif
+    ;
+// The same with a va_list (for printf-style wrappers such as TextWriter::Format).
+void AppendFormatCV(std::string* out, const char* format, va_list args)
+#if defined(__GNUC__)
+    __attribute__((format(printf, 2, 0)))
 #endif
     ;
 
