@@ -4,6 +4,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace qzr::platform {
 
@@ -11,6 +12,9 @@ namespace qzr::platform {
 bool WildcardMatch(std::string_view pattern, std::string_view name);
 // NTFS listing order: names upper-cased, then compared byte by byte.
 bool NtfsNameLess(std::string_view first, std::string_view second);
+// Sorts names in NTFS listing order; names that only a case-sensitive file system can hold
+// side by side (equal once upper-cased) follow in byte order, so the result is deterministic.
+void SortInNtfsOrder(std::vector<std::string>* names);
 // The pattern's text up to and including its last separator ('\\' or '/'); empty if none.
 std::string PatternFolder(std::string_view pattern);
 // The pattern's last component (the part holding the wildcards).
