@@ -1,0 +1,7 @@
+#include "bank/QZRMoldingMachineReader.h"
+
+// A new reader knows no header yet: version, format and type -1, not a system bank, and an
+// empty load path (the field initialisers in the class say so).
+CQZRMoldingMachineReader::CQZRMoldingMachineReader() = default;
+
+CQZRMoldingMachineReader::~CQZRMoldingMachineReader() = default;
