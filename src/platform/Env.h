@@ -17,7 +17,7 @@ namespace qzr::platform {
 
 // A file opened for reading raw bytes (no text-mode translation; see TextLineReader).
 class ReadableFile {
-public:
+  public:
     virtual ~ReadableFile() = default;
     // Reads up to n bytes at the current position; returns how many were read (0 at the end
     // of the file or on error).
@@ -28,7 +28,7 @@ public:
 
 // A file opened for writing raw bytes (no text-mode translation; see TextWriter).
 class WritableFile {
-public:
+  public:
     virtual ~WritableFile() = default;
     virtual bool Append(const char* data, size_t n) = 0;
     virtual bool Flush() = 0;
@@ -43,7 +43,7 @@ enum class WriteMode {
 };
 
 class Env {
-public:
+  public:
     virtual ~Env() = default;
 
     // The process's environment for this platform (POSIX or Windows); never null.
@@ -77,13 +77,13 @@ Env* CurrentEnv();
 
 // Installs an Env for the lifetime of this object (tests only; not thread-safe).
 class ScopedEnvOverride {
-public:
+  public:
     explicit ScopedEnvOverride(Env* env);
     ~ScopedEnvOverride();
     ScopedEnvOverride(const ScopedEnvOverride&) = delete;
     ScopedEnvOverride& operator=(const ScopedEnvOverride&) = delete;
 
-private:
+  private:
     Env* m_previous;
 };
 

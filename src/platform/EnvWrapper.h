@@ -8,7 +8,7 @@
 namespace qzr::platform {
 
 class EnvWrapper : public Env {
-public:
+  public:
     explicit EnvWrapper(Env* target) : m_target(target) {}
     Env* target() const { return m_target; }
 
@@ -17,8 +17,7 @@ public:
     std::unique_ptr<ReadableFile> OpenForReading(const std::string& path) override {
         return m_target->OpenForReading(path);
     }
-    std::unique_ptr<WritableFile> OpenForWriting(const std::string& path,
-                                                 WriteMode mode) override {
+    std::unique_ptr<WritableFile> OpenForWriting(const std::string& path, WriteMode mode) override {
         return m_target->OpenForWriting(path, mode);
     }
     bool CopyFileReplacing(const std::string& from, const std::string& to) override {
@@ -36,7 +35,7 @@ public:
     }
     int64_t NowUtcSeconds() override { return m_target->NowUtcSeconds(); }
 
-private:
+  private:
     Env* m_target;
 };
 

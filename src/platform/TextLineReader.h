@@ -9,8 +9,10 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/Env.h"
+#include "platform/TextModeTranslator.h"
 
 namespace qzr::platform {
 
@@ -23,7 +25,7 @@ size_t NextLineLength(std::string_view text, size_t maxChars);
 bool ReadTextFile(const std::string& path, std::string* text);
 
 class TextLineReader {
-public:
+  public:
     // Opens path through the current Env; IsOpen() tells whether that worked.
     explicit TextLineReader(const std::string& path);
     bool IsOpen() const;
@@ -34,15 +36,17 @@ public:
     // Like feof: true once a read has reached the end of the file (or its Ctrl-Z).
     bool AtEnd() const;
 
-private:
-    bool Refill();
+  private:
+    // Reads the next raw chunk and appends its translation to m_buffer.
+    void Refill();
 
     std::unique_ptr<ReadableFile> m_file;
-    std::string m_buffer;  // translated characters not yet handed out
+    TextModeTranslator m_translator;
+    std::vector<char> m_chunk;  // raw bytes of the last read
+    std::string m_buffer;       // translated characters not yet handed out
     size_t m_pos = 0;
     bool m_fileExhausted = false;
     bool m_atEnd = false;
-    bool m_pendingCr = false;
 };
 
 }  // namespace qzr::platform

@@ -12,7 +12,7 @@
 namespace qzr::platform {
 
 class TextWriter {
-public:
+  public:
     TextWriter(const std::string& path, WriteMode mode);
     ~TextWriter();  // closes, if Close() was not called
     TextWriter(const TextWriter&) = delete;
@@ -28,15 +28,19 @@ public:
         ;
     // Flushes and syncs to the medium; false if any write so far failed.
     bool Sync();
-    // Flushes and closes; false if any write, the flush or the close failed.
+    // Flushes and closes; false if any write, the flush or the close failed. A second call
+    // repeats the first one's answer. Writing after Close fails.
     bool Close();
-    bool Failed() const { return m_failed; }
+    bool Failed() const {
+        return m_failed;
+    }
 
-private:
+  private:
     bool FlushBuffer();
 
     std::unique_ptr<WritableFile> m_file;
-    std::string m_buffer;
+    std::string m_buffer;   // bytes as they go to disk (line ends already CR LF)
+    std::string m_scratch;  // Format's text before translation
     bool m_failed = false;
 };
 
