@@ -1,0 +1,198 @@
+// Loading a legacy tabular bank (system or user) into a catalogue, row by row.
+#include <string>
+#include <string_view>
+
+#include <QZRMachine/QZRIM.h>
+#include <QZRMachine/QZRMoldingMachineCtrl.h>
+
+#include "bank/BankPathKind.h"
+#include "bank/QZRMoldingMachineReader.h"
+#include "bank/legacy/OldRowLayout.h"
+#include "bank/legacy/OldRowParser.h"
+#include "platform/CNumbers.h"
+#include "platform/Env.h"
+#include "platform/TextLineReader.h"
+
+namespace qzr::legacy {
+
+namespace {
+
+OldRowLayout SystemRowLayout(int fileVersion) {
+    return fileVersion >= 7007 ? OldRowLayout::kSystem7007 : OldRowLayout::kBase;
+}
+
+OldRowLayout UserRowLayout(int fileVersion) {
+    if (fileVersion == 7003) {
+        return OldRowLayout::kUser7003;
+    }
+    if (fileVersion == 7004) {
+        return OldRowLayout::kUser7004;
+    }
+    return fileVersion > 7004 ? OldRowLayout::kUser7005 : OldRowLayout::kBase;
+}
+
+// What tells the two loaders apart; the scan itself is common.
+struct OldBankRules {
+    int bankKind;
+    // The system banks mark their rows with "[Database]"; the user loader has always looked
+    // for "Database]" only, so "[IMMDatabase]" opens a user bank's rows too.
+    std::string_view databaseMarker;
+    bool endAtEofAfterMarker;
+    bool failOnTotalNo;
+    bool onlyRowIdOne;
+    OldRowLayout (*rowLayout)(int fileVersion);
+};
+
+constexpr OldBankRules kSystemBankRules = {OldIMMSystemBank, "[Database]", false, false, false,
+                                           &SystemRowLayout};
+constexpr OldBankRules kUserBankRules = {OldIMMUserBank, "Database]", true,
+                                         true,           true,        &UserRowLayout};
+
+// White space as "%s" sees it in the "C" locale.
+bool IsCSpace(char c) {
+    return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r';
+}
+
+// One pass over the lines of a bank file. Lines are read in pieces of at most 1023
+// characters, as the DLL's fgets into 1024 bytes read them, and every test on a line sees it
+// as a C text: up to its first NUL byte.
+class OldBankScan {
+  public:
+    OldBankScan(platform::TextLineReader& file, CQZRMoldingMachineCtrl& catalogue,
+                const OldBankRules& rules)
+        : m_file(file), m_catalogue(catalogue), m_rules(rules) {}
+
+    // False only when a user bank shows a "TotalNo" line after its header.
+    bool Run() {
+        while (ReadLine()) {
+            if (Contains("[EOF]")) {
+                break;
+            }
+            if (Contains("[Header]")) {
+                m_headerSeen = true;
+            }
+            if (Contains(m_rules.databaseMarker)) {
+                // The marker line is never a row: the line after it takes its place.
+                m_inDatabase = true;
+                if (!ReadLine() || (m_rules.endAtEofAfterMarker && Contains("[EOF]"))) {
+                    break;
+                }
+            }
+            if (m_headerSeen && Contains("Version")) {
+                ReadVersionLine();
+            }
+            if (m_rules.failOnTotalNo && m_headerSeen && Contains("TotalNo")) {
+                return false;
+            }
+            if (m_inDatabase) {
+                // The ID carries over from the row before when this one's does not convert.
+                platform::ScanInt(m_text.data(), &m_rowId);
+                const bool taken = !m_rules.onlyRowIdOne || m_rowId == 1;
+                if (taken && !m_text.empty()) {
+                    LoadRow();
+                }
+            }
+            if (m_file.AtEnd() || Contains("[EOF]")) {
+                break;
+            }
+        }
+        return true;
+    }
+
+  private:
+    bool ReadLine() {
+        if (!m_file.ReadLine(&m_line, kOldRowMaxChars)) {
+            return false;
+        }
+        m_text = std::string_view(m_line.c_str());
+        return true;
+    }
+
+    bool Contains(std::string_view mark) const { return m_text.find(mark) != m_text.npos; }
+
+    // A line holding "Version" sets the catalogue's file version (to the number after its
+    // first word, or to the last number read when there is none), and only its first word
+    // is left of it, which is why such a line is never loaded as a machine.
+    void ReadVersionLine() {
+        m_scratch.assign(m_text);
+        for (char& c : m_scratch) {
+            if (c == ',') {
+                c = ' ';
+            }
+        }
+        const char* word = m_scratch.c_str();
+        while (IsCSpace(*word)) {
+            ++word;
+        }
+        const char* wordEnd = word;
+        while (*wordEnd != '\0' && !IsCSpace(*wordEnd)) {
+            ++wordEnd;
+        }
+        platform::ScanInt(wordEnd, &m_version);
+        m_catalogue.SetFileVersion(m_version);
+        m_line.assign(word, static_cast<size_t>(wordEnd - word));
+        m_text = m_line;
+    }
+
+    // The layout follows the catalogue's file version at this row, so a version line in the
+    // middle of the rows changes the layout of the rows after it.
+    void LoadRow() {
+        m_machine = m_defaultMachine;
+        if (ParseOldRow(m_text.data(), m_rules.rowLayout(m_catalogue.GetFileVersion()),
+                        m_machine)) {
+            m_catalogue.AddMachine(m_machine);
+        }
+    }
+
+    platform::TextLineReader& m_file;
+    CQZRMoldingMachineCtrl& m_catalogue;
+    const OldBankRules& m_rules;
+
+    std::string m_line;       // the current line piece, reused from line to line
+    std::string_view m_text;  // m_line up to its first NUL
+    std::string m_scratch;    // the version line with its commas made blanks
+    bool m_headerSeen = false;
+    bool m_inDatabase = false;
+    int m_version = 1000;
+    int m_rowId = 0;
+    // Each row starts from a default record; assigning one is cheaper than building one.
+    const CQZRIM m_defaultMachine;
+    CQZRIM m_machine;
+};
+
+bool LoadOldBank(CQZRMoldingMachineReader& reader, const char* path,
+                 CQZRMoldingMachineCtrl* catalogue, const OldBankRules& rules) {
+    if (path == nullptr || !platform::CurrentEnv()->PathExists(path) || catalogue == nullptr) {
+        return false;
+    }
+    if (!reader.RecognizeBankHeader(path) || reader.GetBankKind() != rules.bankKind) {
+        return false;
+    }
+    // The first bank accepted into a catalogue decides its attributes; a later one only
+    // changes its file version, through its version line.
+    if (!catalogue->IsDatabaseInitialize()) {
+        catalogue->SetFileVersion(reader.GetHeaderVersion());
+        catalogue->SetFileFormat(reader.GetHeaderFormat());
+        catalogue->SetFileType(reader.GetHeaderType());
+        catalogue->SetDatabaseInitialize(true);
+    }
+    platform::TextLineReader file(path);
+    if (!file.IsOpen()) {
+        return false;
+    }
+    return OldBankScan(file, *catalogue, rules).Run();
+}
+
+}  // namespace
+
+}  // namespace qzr::legacy
+
+bool CQZRMoldingMachineReader::ReadOldIMMSystemDatabase(const char* path,
+                                                        CQZRMoldingMachineCtrl* catalogue) {
+    return qzr::legacy::LoadOldBank(*this, path, catalogue, qzr::legacy::kSystemBankRules);
+}
+
+bool CQZRMoldingMachineReader::ReadOldIMMUserDatabase(const char* path,
+                                                      CQZRMoldingMachineCtrl* catalogue) {
+    return qzr::legacy::LoadOldBank(*this, path, catalogue, qzr::legacy::kUserBankRules);
+}
