@@ -8,6 +8,7 @@
 #include "bank/BankFileSave.h"
 #include "bank/BankPathKind.h"
 #include "bank/QZRMoldingMachineWriter.h"
+#include "catalogue/QZRMoldingMachineCtrlAccess.h"
 #include "platform/TextWriter.h"
 
 namespace qzr::legacy {
@@ -68,8 +69,9 @@ void WriteOldUserBank(platform::TextWriter& out, const CQZRMoldingMachineCtrl& c
 
 bool CQZRMoldingMachineWriter::WriteOldIMMUserDatabase(
     const char* folder, const CQZRMoldingMachineCtrl* catalogue) const {
-    // A catalogue without its store reports format -1 and is refused by the attribute test.
-    if (folder == nullptr || catalogue == nullptr || !qzr::legacy::IsOldUserBankOfIMM(*catalogue)) {
+    if (folder == nullptr || catalogue == nullptr ||
+        CQZRMoldingMachineCtrlAccess::Store(*catalogue) == nullptr ||
+        !qzr::legacy::IsOldUserBankOfIMM(*catalogue)) {
         return false;
     }
     char target[kPathBufferSize];
