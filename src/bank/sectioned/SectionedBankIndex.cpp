@@ -1,0 +1,130 @@
+#include "bank/sectioned/SectionedBankIndex.h"
+
+#include <utility>
+
+#include "bank/sectioned/QZRFileIO.h"
+#include "bank/sectioned/SectionedLine.h"
+#include "platform/TextLineReader.h"
+
+namespace qzr::bank {
+
+namespace {
+
+constexpr std::string_view kMachineSectionPrefix = "[Machine-";
+
+}  // namespace
+
+SectionedBankIndex::SectionedBankIndex(const std::string& path, std::vector<std::string> keys)
+    : m_keys(std::move(keys)), m_firstPending(m_keys.size(), 0) {
+    ReadFile(path);
+}
+
+void SectionedBankIndex::ReadFile(const std::string& path) {
+    qzr::platform::TextLineReader file(path);
+    m_open = file.IsOpen();
+    std::string piece;
+    while (file.ReadLine(&piece, kSectionedLineChars)) {
+        AddLine(piece);
+    }
+}
+
+void SectionedBankIndex::AddLine(std::string_view piece) {
+    const std::string_view token = SectionedLineToken(piece);
+    const uint32_t slot = KeySlot(token);
+    if (slot != kNone) {
+        AnswerPending(slot, piece);
+        return;
+    }
+    const long machineNumber = MachineSectionNumber(token);
+    if (machineNumber != 0) {
+        OpenSection(machineNumber);
+    }
+}
+
+uint32_t SectionedBankIndex::KeySlot(std::string_view token) const {
+    for (size_t slot = 0; slot < m_keys.size(); ++slot) {
+        if (m_keys[slot] == token) {
+            return static_cast<uint32_t>(slot);
+        }
+    }
+    return kNone;
+}
+
+long SectionedBankIndex::MachineSectionNumber(std::string_view token) {
+    if (token.size() < kMachineSectionPrefix.size() + 2 ||
+        token.compare(0, kMachineSectionPrefix.size(), kMachineSectionPrefix) != 0 ||
+        token.back() != ']') {
+        return 0;
+    }
+    const std::string_view digits =
+        token.substr(kMachineSectionPrefix.size(), token.size() - kMachineSectionPrefix.size() - 1);
+    // "%ld" writes no sign and no leading zero; "[Machine-01]" is another section's name.
+    if (digits.empty() || digits.size() > 5 || digits.front() == '0') {
+        return 0;
+    }
+    long number = 0;
+    for (const char c : digits) {
+        if (c < '0' || c > '9') {
+            return 0;
+        }
+        number = number * 10 + (c - '0');
+    }
+    return number <= kMaxMachineSection ? number : 0;
+}
+
+void SectionedBankIndex::OpenSection(long machineNumber) {
+    const size_t number = static_cast<size_t>(machineNumber);
+    if (m_orderOfSection.size() <= number) {
+        m_orderOfSection.resize(number + 1, kNone);
+    }
+    // Only the first header line of a section opens it; a repeated one is passed over.
+    if (m_orderOfSection[number] != kNone) {
+        return;
+    }
+    m_orderOfSection[number] = static_cast<uint32_t>(m_sectionsInOrder.size());
+    m_sectionsInOrder.push_back(static_cast<uint32_t>(number));
+    m_answers.resize(m_answers.size() + m_keys.size(), kNone);
+}
+
+void SectionedBankIndex::AnswerPending(uint32_t slot, std::string_view piece) {
+    const size_t sectionCount = m_sectionsInOrder.size();
+    uint32_t& firstPending = m_firstPending[slot];
+    if (firstPending == sectionCount) {
+        return;
+    }
+    // Every section opened since the previous line with this key finds its value here. At
+    // most kMaxMachineSection sections times the keys of a kind, each value shorter than a
+    // line piece, so the offsets always fit in 32 bits.
+    const std::string_view value = SectionedEntryValue(piece);
+    const uint32_t offset = static_cast<uint32_t>(m_values.size());
+    m_values.append(value);
+    m_values.push_back('\0');
+    for (size_t order = firstPending; order < sectionCount; ++order) {
+        m_answers[order * m_keys.size() + slot] = offset;
+    }
+    firstPending = static_cast<uint32_t>(sectionCount);
+}
+
+int SectionedBankIndex::GetKeyString(long machineNumber, size_t keySlot, const char** value) const {
+    if (!m_open) {
+        return CQZRFileIO::kCannotOpen;
+    }
+    if (machineNumber < 1 || static_cast<size_t>(machineNumber) >= m_orderOfSection.size() ||
+        keySlot >= m_keys.size()) {
+        return CQZRFileIO::kNotFound;
+    }
+    const uint32_t order = m_orderOfSection[static_cast<size_t>(machineNumber)];
+    if (order == kNone) {
+        return CQZRFileIO::kNotFound;
+    }
+    const uint32_t offset = m_answers[order * m_keys.size() + keySlot];
+    if (offset == kNone) {
+        return CQZRFileIO::kNotFound;
+    }
+    if (value != nullptr) {
+        *value = m_values.c_str() + offset;
+    }
+    return CQZRFileIO::kFound;
+}
+
+}  // namespace qzr::bank

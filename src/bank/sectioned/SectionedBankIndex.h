@@ -1,0 +1,69 @@
+// SectionedBankIndex: every machine-section lookup of one load, answered from one reading of
+// the file.
+//
+// CQZRFileIO reopens and rescans the file for every key, which makes a load quadratic in the
+// number of machines. This index reads the file once, line piece by line piece exactly as
+// CQZRFileIO does, and keeps, for every section "[Machine-n]" and every key it was built for,
+// the value CQZRFileIO would find: the first line with that key after the FIRST header line
+// of the section, wherever it lies (a key a section lacks is taken from a later section).
+//
+// Only the values that answer a lookup are kept (one compact arena, 32-bit offsets), so the
+// memory of a load is a small part of the file's size.
+#ifndef QZR_BANK_SECTIONED_SECTIONEDBANKINDEX_H
+#define QZR_BANK_SECTIONED_SECTIONEDBANKINDEX_H
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace qzr::bank {
+
+class SectionedBankIndex {
+  public:
+    // Machine sections beyond this number are never read from a bank.
+    static constexpr long kMaxMachineSection = 65535;
+
+    // Reads the file at path; keys are the keys later lookups ask for, each by its position
+    // in this list.
+    SectionedBankIndex(const std::string& path, std::vector<std::string> keys);
+
+    // False when the file could not be opened (every lookup then gives kCannotOpen).
+    bool IsOpen() const { return m_open; }
+
+    // The results of CQZRFileIO::GetKeyString for the section "[Machine-%ld]" of
+    // machineNumber (1 to kMaxMachineSection) and the key at keySlot. On kFound, *value points
+    // to a text owned by the index, valid as long as the index.
+    int GetKeyString(long machineNumber, size_t keySlot, const char** value) const;
+
+  private:
+    static constexpr uint32_t kNone = UINT32_MAX;
+
+    void ReadFile(const std::string& path);
+    void AddLine(std::string_view piece);
+    // The key slot whose key is token, or kNone.
+    uint32_t KeySlot(std::string_view token) const;
+    // n when token is "[Machine-n]" exactly as "%ld" writes n, with n in 1..kMaxMachineSection;
+    // otherwise 0.
+    static long MachineSectionNumber(std::string_view token);
+    void OpenSection(long machineNumber);
+    void AnswerPending(uint32_t slot, std::string_view piece);
+
+    std::vector<std::string> m_keys;
+    bool m_open = false;
+    // Sections in the order their first header line appears, by machine number.
+    std::vector<uint32_t> m_sectionsInOrder;
+    // Position in m_sectionsInOrder of each machine number that has a header, else kNone.
+    std::vector<uint32_t> m_orderOfSection;
+    // Per key: the first section in m_sectionsInOrder still waiting for a line with that key.
+    std::vector<uint32_t> m_firstPending;
+    // Per section (in order of appearance) and key: offset of the value in m_values, or kNone.
+    std::vector<uint32_t> m_answers;
+    // The values that answer lookups, each followed by its NUL.
+    std::string m_values;
+};
+
+}  // namespace qzr::bank
+
+#endif  // QZR_BANK_SECTIONED_SECTIONEDBANKINDEX_H

@@ -1,0 +1,191 @@
+// Reading sectioned banks: one machine section into a record, and whole files (the system
+// banks of a folder, the user bank) into a catalogue.
+#include <string>
+#include <vector>
+
+#include "bank/BankPathKind.h"
+#include "bank/QZRMoldingMachineReader.h"
+#include "bank/sectioned/MachineSectionFormat.h"
+#include "bank/sectioned/QZRFileIO.h"
+#include "bank/sectioned/SectionedBankIndex.h"
+#include "platform/CNumbers.h"
+#include "platform/Env.h"
+
+namespace {
+
+using qzr::bank::MachineSectionFormat;
+using qzr::bank::SectionedBankIndex;
+
+constexpr int kFirstSectionedVersion = 9000;
+constexpr int kSystemBankFormat = 0;
+constexpr int kUserBankFormat = 1;
+constexpr int kIMMType = 0;
+constexpr int kRTMType = 1;
+
+std::string MachineSectionName(long index) {
+    return qzr::platform::FormatC("[Machine-%ld]", index);
+}
+
+// One section through the reference lookup, which rescans the file for every key.
+template <class Record>
+bool ParseSection(const MachineSectionFormat<Record>& format, const char* path, long index,
+                  Record& machine) {
+    if (index < 1 || path == nullptr) {
+        return false;
+    }
+    CQZRFileIO file;
+    if (!file.OpenFile(path)) {
+        return false;
+    }
+    const std::string section = MachineSectionName(index);
+    const auto lookup = [&file, &section](size_t, const char* key, const char** value) {
+        return file.GetKeyString(section.c_str(), key, value);
+    };
+    return qzr::bank::FillMachineSection(format, lookup, machine);
+}
+
+// One section of a file indexed once for the whole load; the same results as ParseSection.
+template <class Record>
+bool ParseIndexedSection(const MachineSectionFormat<Record>& format,
+                         const SectionedBankIndex& index, long number, Record& machine) {
+    if (!index.IsOpen()) {
+        return false;
+    }
+    const auto lookup = [&index, number](size_t slot, const char*, const char** value) {
+        return index.GetKeyString(number, slot, value);
+    };
+    return qzr::bank::FillMachineSection(format, lookup, machine);
+}
+
+// How the machines of one file reach the catalogue: a folder of system banks reads every
+// section of a file into one record (a key that a section lacks, and no later section has,
+// keeps the file's previous machine's value); a user bank starts every machine afresh.
+enum class RecordUse { kOneForTheFile, kFreshPerSection };
+
+// Reads sections 1, 2, ... until the first one that does not parse, at most
+// kMaxMachineSection of them. The catalogue's verdict on each machine is not looked at.
+template <class Record>
+void AddMachineSections(const MachineSectionFormat<Record>& format, const std::string& path,
+                        RecordUse use, CQZRMoldingMachineCtrl& catalogue) {
+    const SectionedBankIndex index(path, format.KeysInReadOrder());
+    Record machine;
+    for (long number = 1; number <= SectionedBankIndex::kMaxMachineSection; ++number) {
+        if (use == RecordUse::kFreshPerSection && number > 1) {
+            machine = Record();
+        }
+        if (!ParseIndexedSection(format, index, number, machine)) {
+            return;
+        }
+        catalogue.AddMachine(machine);
+    }
+}
+
+// The first bank file accepted into a catalogue decides its file attributes; later files, of
+// either format and either kind, leave them. A catalogue without a store ignores all of this.
+void RecordHeaderValues(const CQZRMoldingMachineReader& reader, CQZRMoldingMachineCtrl& catalogue) {
+    if (catalogue.IsDatabaseInitialize()) {
+        return;
+    }
+    catalogue.SetFileVersion(reader.GetHeaderVersion());
+    catalogue.SetFileFormat(reader.GetHeaderFormat());
+    catalogue.SetFileType(reader.GetHeaderType());
+    catalogue.SetDatabaseInitialize(true);
+}
+
+struct SectionedBankKind {
+    int bankKind;
+    int format;
+    int type;
+};
+
+constexpr SectionedBankKind kIMMSystemBank{IMMSystemBankFiles, kSystemBankFormat, kIMMType};
+constexpr SectionedBankKind kRTMSystemBank{RTMSystemBankFiles, kSystemBankFormat, kRTMType};
+constexpr SectionedBankKind kIMMUserBank{IMMUserBank, kUserBankFormat, kIMMType};
+constexpr SectionedBankKind kRTMUserBank{RTMUserBank, kUserBankFormat, kRTMType};
+
+bool IsAcceptedAs(const CQZRMoldingMachineReader& reader, const SectionedBankKind& kind) {
+    return reader.GetBankKind() == kind.bankKind &&
+           reader.GetHeaderVersion() >= kFirstSectionedVersion &&
+           reader.GetHeaderFormat() == kind.format && reader.GetHeaderType() == kind.type;
+}
+
+}  // namespace
+
+bool CQZRMoldingMachineReader::ParseIMMSection(const char* path, long index,
+                                               CQZRIM& machine) const {
+    return ParseSection(qzr::bank::IMMSectionFormat(), path, index, machine);
+}
+
+bool CQZRMoldingMachineReader::ParseRTMSection(const char* path, long index,
+                                               CQZRRTM& machine) const {
+    return ParseSection(qzr::bank::RTMSectionFormat(), path, index, machine);
+}
+
+namespace {
+
+// Every entry matching the pattern, in the platform's order; entries that are no bank of the
+// kind (folders, "." and "..", legacy banks, the other kind, user banks) fail recognition or
+// the kind test and are skipped. True when anything matched at all.
+template <class Record>
+bool ReadSystemBanks(CQZRMoldingMachineReader& reader, const char* pattern,
+                     CQZRMoldingMachineCtrl* catalogue, const SectionedBankKind& kind,
+                     const MachineSectionFormat<Record>& format) {
+    if (pattern == nullptr || catalogue == nullptr) {
+        return false;
+    }
+    qzr::platform::Env* env = qzr::platform::CurrentEnv();
+    std::vector<std::string> paths;
+    if (!env->ListMatches(pattern, &paths) || paths.empty()) {
+        return false;
+    }
+    for (const std::string& path : paths) {
+        if (!env->PathExists(path)) {
+            continue;
+        }
+        if (!reader.RecognizeBankHeader(path.c_str()) || !IsAcceptedAs(reader, kind)) {
+            continue;
+        }
+        RecordHeaderValues(reader, *catalogue);
+        AddMachineSections(format, path, RecordUse::kOneForTheFile, *catalogue);
+    }
+    return true;
+}
+
+template <class Record>
+bool ReadUserBank(CQZRMoldingMachineReader& reader, const char* path,
+                  CQZRMoldingMachineCtrl* catalogue, const SectionedBankKind& kind,
+                  const MachineSectionFormat<Record>& format) {
+    if (path == nullptr || catalogue == nullptr) {
+        return false;
+    }
+    if (!reader.RecognizeBankHeader(path) || !IsAcceptedAs(reader, kind)) {
+        return false;
+    }
+    RecordHeaderValues(reader, *catalogue);
+    AddMachineSections(format, path, RecordUse::kFreshPerSection, *catalogue);
+    return true;
+}
+
+}  // namespace
+
+bool CQZRMoldingMachineReader::ReadIMMSystemDatabase(const char* pattern,
+                                                     CQZRMoldingMachineCtrl* const& catalogue) {
+    return ReadSystemBanks(*this, pattern, catalogue, kIMMSystemBank,
+                           qzr::bank::IMMSectionFormat());
+}
+
+bool CQZRMoldingMachineReader::ReadRTMSystemDatabase(const char* pattern,
+                                                     CQZRMoldingMachineCtrl* const& catalogue) {
+    return ReadSystemBanks(*this, pattern, catalogue, kRTMSystemBank,
+                           qzr::bank::RTMSectionFormat());
+}
+
+bool CQZRMoldingMachineReader::ReadIMMUserDatabase(const char* path,
+                                                   CQZRMoldingMachineCtrl* const& catalogue) {
+    return ReadUserBank(*this, path, catalogue, kIMMUserBank, qzr::bank::IMMSectionFormat());
+}
+
+bool CQZRMoldingMachineReader::ReadRTMUserDatabase(const char* path,
+                                                   CQZRMoldingMachineCtrl* const& catalogue) {
+    return ReadUserBank(*this, path, catalogue, kRTMUserBank, qzr::bank::RTMSectionFormat());
+}
