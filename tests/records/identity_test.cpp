@@ -157,14 +157,15 @@ TEST(InjectionIdentity, KindIsNotCompared) {
     ExpectResults<CQZRIM>(odd, CQZRIM(), {true, true, true}, "kind 5 against kind 0");
 }
 
-// Records that log which virtual text getters the comparisons call.
-class SpyIM : public CQZRIM {
+// A record that logs which virtual text getters the comparisons call.
+template <class Base>
+class Spy : public Base {
   public:
-    using Record = CQZRIM;
-    explicit SpyIM(std::vector<std::string>* log) : log_(log) {}
-    const char* GetMaker() const override { return Logged("Maker", CQZRIM::GetMaker()); }
-    const char* GetGrade() const override { return Logged("Grade", CQZRIM::GetGrade()); }
-    const char* GetRemark() const override { return Logged("Remark", CQZRIM::GetRemark()); }
+    using Record = Base;
+    explicit Spy(std::vector<std::string>* log) : log_(log) {}
+    const char* GetMaker() const override { return Logged("Maker", Base::GetMaker()); }
+    const char* GetGrade() const override { return Logged("Grade", Base::GetGrade()); }
+    const char* GetRemark() const override { return Logged("Remark", Base::GetRemark()); }
 
   private:
     const char* Logged(const char* what, const char* text) const {
@@ -173,57 +174,44 @@ class SpyIM : public CQZRIM {
     }
     std::vector<std::string>* log_;
 };
-
-class SpyRTM : public CQZRRTM {
-  public:
-    using Record = CQZRRTM;
-    explicit SpyRTM(std::vector<std::string>* log) : log_(log) {}
-    const char* GetMaker() const override { return Logged("Maker", CQZRRTM::GetMaker()); }
-    const char* GetGrade() const override { return Logged("Grade", CQZRRTM::GetGrade()); }
-    const char* GetRemark() const override { return Logged("Remark", CQZRRTM::GetRemark()); }
-
-  private:
-    const char* Logged(const char* what, const char* text) const {
-        log_->push_back(what);
-        return text;
-    }
-    std::vector<std::string>* log_;
-};
+using SpyIM = Spy<CQZRIM>;
+using SpyRTM = Spy<CQZRRTM>;
 
 using Log = std::vector<std::string>;
 const Log kMaker = {"Maker", "Maker"};
 const Log kMakerGrade = {"Maker", "Maker", "Grade", "Grade"};
 const Log kMakerGradeRemark = {"Maker", "Maker", "Grade", "Grade", "Remark", "Remark"};
 
-template <class Spy>
+template <class SpyRecord>
 struct SpyCase {
     const char* label;
-    void (*change)(Spy&);
+    void (*change)(SpyRecord&);
     Log full;
     Log simple;
     Log name;
 };
 
-template <class Spy>
-void RunSpyCases(const std::vector<SpyCase<Spy>>& cases) {
-    for (const SpyCase<Spy>& c : cases) {
+template <class SpyRecord>
+void RunSpyCases(const std::vector<SpyCase<SpyRecord>>& cases) {
+    using Record = typename SpyRecord::Record;
+    for (const SpyCase<SpyRecord>& c : cases) {
         Log log;
-        Spy a(&log);
+        SpyRecord a(&log);
         a.SetMaker("Tidewater");
         a.SetGrade("TW-80");
         a.SetRemark("hybrid");
-        Spy b(&log);
+        SpyRecord b(&log);
         b.SetMaker("Tidewater");
         b.SetGrade("TW-80");
         b.SetRemark("hybrid");
         c.change(b);
         const struct {
             const char* comparison;
-            bool (Spy::*compare)(const typename Spy::Record&) const;
+            bool (Record::*compare)(const Record&) const;
             const Log& expected;
-        } runs[] = {{"IsMachineIdentity", &Spy::Record::IsMachineIdentity, c.full},
-                    {"IsSimpleMachineIdentity", &Spy::Record::IsSimpleMachineIdentity, c.simple},
-                    {"IsNameIdentity", &Spy::Record::IsNameIdentity, c.name}};
+        } runs[] = {{"IsMachineIdentity", &Record::IsMachineIdentity, c.full},
+                    {"IsSimpleMachineIdentity", &Record::IsSimpleMachineIdentity, c.simple},
+                    {"IsNameIdentity", &Record::IsNameIdentity, c.name}};
         for (const auto& run : runs) {
             log.clear();
             (a.*run.compare)(b);
