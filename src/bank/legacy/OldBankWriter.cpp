@@ -7,6 +7,7 @@
 
 #include "bank/BankFileSave.h"
 #include "bank/BankPathKind.h"
+#include "bank/CatalogueWalk.h"
 #include "bank/QZRMoldingMachineWriter.h"
 #include "catalogue/QZRMoldingMachineCtrlAccess.h"
 #include "platform/TextWriter.h"
@@ -54,9 +55,10 @@ void WriteOldUserRow(platform::TextWriter& out, const CQZRIM& machine) {
 // transfer-moulding group is not handed out as a CQZRIM and gets no row.
 void WriteOldUserBank(platform::TextWriter& out, const CQZRMoldingMachineCtrl& catalogue) {
     out.Write(kOldUserBankHead);
+    const bank::CatalogueWalk walk(catalogue);
     CQZRIM machine;
-    for (int index = 0; index < catalogue.GetTotalMachine(); ++index) {
-        if (catalogue.GetCurrentMachine(index, machine)) {
+    for (int index = 0; index < walk.TotalMachine(); ++index) {
+        if (walk.Fetch(index, machine)) {
             WriteOldUserRow(out, machine);
         }
     }
