@@ -1,21 +1,38 @@
 #include "platform/TempFolder.h"
 
-#include <stdlib.h>
-#include <sys/stat.h>
-
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <stdexcept>
+
+#if !defined(_WIN32)
+#include <stdlib.h>
+#endif
 
 namespace qzr::test {
 
 TempFolder::TempFolder() {
+#if defined(_WIN32)
+    std::random_device seed;
+    std::mt19937 random(seed());
+    for (int attempt = 0; attempt < 100 && m_path.empty(); ++attempt) {
+        const std::filesystem::path candidate =
+            std::filesystem::temp_directory_path() / ("qzr-platform-" + std::to_string(random()));
+        if (std::filesystem::create_directory(candidate)) {
+            m_path = candidate.string();
+        }
+    }
+    if (m_path.empty()) {
+        throw std::runtime_error("no temporary folder");
+    }
+#else
     char name[] = "/tmp/qzr-platform-XXXXXX";
     if (::mkdtemp(name) == nullptr) {
         throw std::runtime_error("mkdtemp failed");
     }
     m_path = name;
+#endif
 }
 
 TempFolder::~TempFolder() {
@@ -48,17 +65,12 @@ void TempFolder::MakeFolder(std::string_view name) const {
 }
 
 unsigned TempFolder::Mode(std::string_view name) const {
-    struct stat info;
-    if (::stat(File(name).c_str(), &info) != 0) {
-        throw std::runtime_error("cannot stat " + File(name));
-    }
-    return static_cast<unsigned>(info.st_mode & 07777);
+    return static_cast<unsigned>(std::filesystem::status(File(name)).permissions() &
+                                 std::filesystem::perms::mask);
 }
 
 void TempFolder::SetMode(std::string_view name, unsigned mode) const {
-    if (::chmod(File(name).c_str(), static_cast<mode_t>(mode)) != 0) {
-        throw std::runtime_error("cannot chmod " + File(name));
-    }
+    std::filesystem::permissions(File(name), static_cast<std::filesystem::perms>(mode));
 }
 
 }  // namespace qzr::test

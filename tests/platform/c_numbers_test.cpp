@@ -67,13 +67,6 @@ TEST(CNumbers, ScanDoubleTable) {
     ExpectDoubleRows();
 }
 
-TEST(CNumbers, ScanDoubleNullArguments) {
-    double value = kUntouched;
-    EXPECT_FALSE(ScanDouble(nullptr, &value));
-    EXPECT_EQ(value, kUntouched);
-    EXPECT_FALSE(ScanDouble("1.0", nullptr));
-}
-
 struct IntRow {
     const char* label;
     const char* text;
@@ -125,10 +118,14 @@ TEST(CNumbers, ScanIntAgreesWithSscanfInRange) {
     }
 }
 
-TEST(CNumbers, ScanIntNullArguments) {
-    int value = kUntouchedInt;
-    EXPECT_FALSE(ScanInt(nullptr, &value));
-    EXPECT_EQ(value, kUntouchedInt);
+TEST(CNumbers, NullArgumentsConvertNothing) {
+    double real = kUntouched;
+    int integer = kUntouchedInt;
+    EXPECT_FALSE(ScanDouble(nullptr, &real));
+    EXPECT_FALSE(ScanInt(nullptr, &integer));
+    EXPECT_EQ(real, kUntouched);
+    EXPECT_EQ(integer, kUntouchedInt);
+    EXPECT_FALSE(ScanDouble("1.0", nullptr));
     EXPECT_FALSE(ScanInt("1", nullptr));
 }
 

@@ -1,9 +1,11 @@
+// The POSIX Env: backslash mapping, fopen-like modes under the umask, chmod permissions.
+#if !defined(_WIN32)
+
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
-#include <climits>
 #include <ctime>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -18,22 +20,20 @@ using test::TempFolder;
 // Runs a test inside a folder (relative paths resolve there) and goes back afterwards.
 class ScopedWorkingFolder {
   public:
-    explicit ScopedWorkingFolder(const std::string& path) {
-        char previous[PATH_MAX];
-        if (::getcwd(previous, sizeof previous) != nullptr) {
-            m_previous = previous;
-        }
-        m_entered = ::chdir(path.c_str()) == 0;
+    explicit ScopedWorkingFolder(const std::string& path)
+        : m_previous(std::filesystem::current_path()) {
+        std::error_code error;
+        std::filesystem::current_path(path, error);
+        m_entered = !error;
     }
     ~ScopedWorkingFolder() {
-        if (!m_previous.empty()) {
-            (void)::chdir(m_previous.c_str());
-        }
+        std::error_code ignored;
+        std::filesystem::current_path(m_previous, ignored);
     }
     bool entered() const { return m_entered; }
 
   private:
-    std::string m_previous;
+    std::filesystem::path m_previous;
     bool m_entered = false;
 };
 
@@ -342,3 +342,5 @@ TEST(Env, WrapperFailsOneCallAndForwardsTheRest) {
 
 }  // namespace
 }  // namespace qzr::platform
+
+#endif  // !defined(_WIN32)

@@ -69,12 +69,6 @@ std::vector<TranslationRow> TranslationRows() {
     };
 }
 
-TEST(TextLineReader, NaiveOracleTable) {
-    for (const TranslationRow& row : TranslationRows()) {
-        EXPECT_EQ(NaiveTranslate(row.raw), row.translated) << row.label;
-    }
-}
-
 TEST(TextLineReader, ReadTextFileTranslates) {
     TempFolder folder;
     for (const TranslationRow& row : TranslationRows()) {

@@ -1,0 +1,254 @@
+// The Env of Windows, on the Win32 ANSI functions: paths are the library's 8-bit texts in the
+// process's code page and go to the OS unchanged.
+#if defined(_WIN32)
+
+#ifndef WIN32_LEAN_AND_MEAN
+#define WIN32_LEAN_AND_MEAN
+#endif
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#include <windows.h>
+
+#include <time.h>
+
+#include <algorithm>
+#include <vector>
+
+#include "platform/Env.h"
+#include "platform/Wildcard.h"
+
+namespace qzr::platform {
+
+namespace {
+
+// ReadFile and WriteFile take a DWORD count; larger requests go in pieces of this size.
+constexpr size_t kMaxIoPiece = 1u << 30;
+
+// Closes an owned file handle when its scope ends.
+class FileHandle {
+  public:
+    explicit FileHandle(HANDLE handle) : m_handle(handle) {}
+    ~FileHandle() { Close(); }
+    FileHandle(const FileHandle&) = delete;
+    FileHandle& operator=(const FileHandle&) = delete;
+
+    HANDLE get() const { return m_handle; }
+    bool valid() const { return m_handle != INVALID_HANDLE_VALUE; }
+    bool Close() {
+        if (m_handle == INVALID_HANDLE_VALUE) {
+            return false;
+        }
+        const BOOL closed = ::CloseHandle(m_handle);
+        m_handle = INVALID_HANDLE_VALUE;
+        return closed != FALSE;
+    }
+
+  private:
+    HANDLE m_handle;
+};
+
+// Ends a FindFirstFileA enumeration when its scope ends.
+class FindHandle {
+  public:
+    explicit FindHandle(HANDLE handle) : m_handle(handle) {}
+    ~FindHandle() {
+        if (m_handle != INVALID_HANDLE_VALUE) {
+            ::FindClose(m_handle);
+        }
+    }
+    FindHandle(const FindHandle&) = delete;
+    FindHandle& operator=(const FindHandle&) = delete;
+
+    HANDLE get() const { return m_handle; }
+    bool valid() const { return m_handle != INVALID_HANDLE_VALUE; }
+
+  private:
+    HANDLE m_handle;
+};
+
+bool IsFolderAttributes(DWORD attributes) {
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+class WindowsReadableFile : public ReadableFile {
+  public:
+    explicit WindowsReadableFile(HANDLE handle) : m_handle(handle) {}
+
+    size_t Read(char* buffer, size_t n) override {
+        const DWORD want = static_cast<DWORD>(std::min(n, kMaxIoPiece));
+        DWORD got = 0;
+        if (::ReadFile(m_handle.get(), buffer, want, &got, nullptr) == FALSE) {
+            return 0;
+        }
+        return static_cast<size_t>(got);
+    }
+    bool Seek(uint64_t offset) override {
+        LARGE_INTEGER position;
+        position.QuadPart = static_cast<LONGLONG>(offset);
+        return ::SetFilePointerEx(m_handle.get(), position, nullptr, FILE_BEGIN) != FALSE;
+    }
+    uint64_t Size() override {
+        LARGE_INTEGER size;
+        if (::GetFileSizeEx(m_handle.get(), &size) == FALSE) {
+            return 0;
+        }
+        return static_cast<uint64_t>(size.QuadPart);
+    }
+
+  private:
+    FileHandle m_handle;
+};
+
+// Unbuffered: TextWriter does the buffering, so Append goes straight to the OS. In append mode
+// every write goes to the end of the file, as with fopen's "a".
+class WindowsWritableFile : public WritableFile {
+  public:
+    WindowsWritableFile(HANDLE handle, bool append) : m_handle(handle), m_append(append) {}
+
+    bool Append(const char* data, size_t n) override {
+        if (!m_handle.valid()) {
+            return false;
+        }
+        if (m_append) {
+            LARGE_INTEGER zero;
+            zero.QuadPart = 0;
+            if (::SetFilePointerEx(m_handle.get(), zero, nullptr, FILE_END) == FALSE) {
+                return false;
+            }
+        }
+        while (n > 0) {
+            const DWORD want = static_cast<DWORD>(std::min(n, kMaxIoPiece));
+            DWORD written = 0;
+            if (::WriteFile(m_handle.get(), data, want, &written, nullptr) == FALSE ||
+                written == 0) {
+                return false;
+            }
+            data += written;
+            n -= written;
+        }
+        return true;
+    }
+    bool Flush() override { return m_handle.valid(); }
+    bool Sync() override { return m_handle.valid() && ::FlushFileBuffers(m_handle.get()) != FALSE; }
+    bool Close() override { return m_handle.Close(); }
+
+  private:
+    FileHandle m_handle;
+    bool m_append;
+};
+
+class WindowsEnv : public Env {
+  public:
+    bool PathExists(const std::string& path) override {
+        return !path.empty() && ::GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+    }
+
+    bool IsDirectory(const std::string& path) override {
+        return !path.empty() && IsFolderAttributes(::GetFileAttributesA(path.c_str()));
+    }
+
+    std::unique_ptr<ReadableFile> OpenForReading(const std::string& path) override {
+        if (path.empty() || IsDirectory(path)) {
+            return nullptr;
+        }
+        const HANDLE handle =
+            ::CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                          OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+        if (handle == INVALID_HANDLE_VALUE) {
+            return nullptr;
+        }
+        return std::make_unique<WindowsReadableFile>(handle);
+    }
+
+    // Like fopen's "w" (create or empty) and "a" (create or keep).
+    std::unique_ptr<WritableFile> OpenForWriting(const std::string& path, WriteMode mode) override {
+        if (path.empty()) {
+            return nullptr;
+        }
+        const bool append = (mode == WriteMode::kAppend);
+        const HANDLE handle =
+            ::CreateFileA(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                          append ? OPEN_ALWAYS : CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+        if (handle == INVALID_HANDLE_VALUE) {
+            return nullptr;
+        }
+        return std::make_unique<WindowsWritableFile>(handle, append);
+    }
+
+    bool CopyFileReplacing(const std::string& from, const std::string& to) override {
+        return !from.empty() && !to.empty() &&
+               ::CopyFileA(from.c_str(), to.c_str(), FALSE) != FALSE;
+    }
+
+    bool RenameReplacing(const std::string& from, const std::string& to) override {
+        return !from.empty() && !to.empty() &&
+               ::MoveFileExA(from.c_str(), to.c_str(),
+                             MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != FALSE;
+    }
+
+    bool RemoveFile(const std::string& path) override {
+        return !path.empty() && ::DeleteFileA(path.c_str()) != FALSE;
+    }
+
+    // A file created in a folder inherits the folder's access rights; what a bank carries of
+    // its own is the read-only attribute, so that is what passes on.
+    bool CopyPermissions(const std::string& from, const std::string& to) override {
+        if (from.empty() || to.empty()) {
+            return false;
+        }
+        const DWORD source = ::GetFileAttributesA(from.c_str());
+        const DWORD target = ::GetFileAttributesA(to.c_str());
+        if (source == INVALID_FILE_ATTRIBUTES || target == INVALID_FILE_ATTRIBUTES) {
+            return false;
+        }
+        const DWORD updated = (target & ~static_cast<DWORD>(FILE_ATTRIBUTE_READONLY)) |
+                              (source & FILE_ATTRIBUTE_READONLY);
+        if (updated == target) {
+            return true;
+        }
+        return ::SetFileAttributesA(to.c_str(), updated == 0 ? FILE_ATTRIBUTE_NORMAL : updated) !=
+               FALSE;
+    }
+
+    // Matching is the OS's own (case-insensitive, and short 8.3 names match too, as they
+    // always have for the banks); the order is made NTFS order whatever the volume's file
+    // system lists.
+    bool ListMatches(const std::string& pattern, std::vector<std::string>* paths) override {
+        if (paths == nullptr) {
+            return false;
+        }
+        paths->clear();
+        if (pattern.empty()) {
+            return false;
+        }
+        WIN32_FIND_DATAA entry;
+        FindHandle find(::FindFirstFileA(pattern.c_str(), &entry));
+        if (!find.valid()) {
+            return false;
+        }
+        std::vector<std::string> names;
+        do {
+            names.emplace_back(entry.cFileName);
+        } while (::FindNextFileA(find.get(), &entry) != FALSE);
+        SortInNtfsOrder(&names);
+        const std::string folder = PatternFolder(pattern);
+        for (const std::string& name : names) {
+            paths->push_back(folder + name);
+        }
+        return !paths->empty();
+    }
+
+    int64_t NowUtcSeconds() override { return static_cast<int64_t>(::_time64(nullptr)); }
+};
+
+}  // namespace
+
+Env* Env::Default() {
+    static WindowsEnv env;
+    return &env;
+}
+
+}  // namespace qzr::platform
+
+#endif  // defined(_WIN32)
