@@ -13,6 +13,7 @@ namespace qzr::platform {
 bool ScanDouble(const char* text, double* value);
 // sscanf(text, "%d") into a 32-bit int (the "%ld" of the bank formats is 32 bits wide, as on
 // the platform the banks come from). False (and *value untouched) when no number converts.
+// A number beyond 32 bits gives INT_MAX or INT_MIN (its digits are all consumed).
 bool ScanInt(const char* text, int* value);
 
 // snprintf under the "C" locale, into a std::string of any length.
