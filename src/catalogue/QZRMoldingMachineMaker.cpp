@@ -4,8 +4,6 @@
 
 #include "records/NameRule.h"
 
-CQZRMoldingMachineMaker::CQZRMoldingMachineMaker() = default;
-
 CQZRMoldingMachineMaker::CQZRMoldingMachineMaker(const char* name, int id, int kind)
     : m_name(name != nullptr ? name : ""), m_id(id), m_kind(kind) {}
 
@@ -123,34 +121,4 @@ bool CQZRMoldingMachineMaker::RemoveMachineAt(std::size_t position) {
     }
     m_machines.erase(m_machines.begin() + static_cast<std::ptrdiff_t>(position));
     return true;
-}
-
-bool CQZRMoldingMachineMaker::RemoveMachine(const char* grade) {
-    const std::optional<std::size_t> position = FindMachineByGrade(grade);
-    return position.has_value() && RemoveMachineAt(*position);
-}
-
-bool CQZRMoldingMachineMaker::RemoveAllMachine() {
-    m_machines.clear();
-    return true;
-}
-
-bool CQZRMoldingMachineMaker::GetMachine(int machineId, CQZRIM& machine) const {
-    const std::optional<std::size_t> position = FindMachineByID(machineId);
-    return position.has_value() && CopyOut(*position, machine);
-}
-
-bool CQZRMoldingMachineMaker::GetMachine(int machineId, CQZRRTM& machine) const {
-    const std::optional<std::size_t> position = FindMachineByID(machineId);
-    return position.has_value() && CopyOut(*position, machine);
-}
-
-bool CQZRMoldingMachineMaker::GetMachine(const char* grade, CQZRIM& machine) const {
-    const std::optional<std::size_t> position = FindMachineByGrade(grade);
-    return position.has_value() && CopyOut(*position, machine);
-}
-
-bool CQZRMoldingMachineMaker::GetMachine(const char* grade, CQZRRTM& machine) const {
-    const std::optional<std::size_t> position = FindMachineByGrade(grade);
-    return position.has_value() && CopyOut(*position, machine);
 }

@@ -22,8 +22,6 @@ class CQZRMoldingMachineMaker {
     // The group kind that holds transfer-moulding machines.
     static constexpr int kTransferMouldingKind = 1;
 
-    // Empty name, id 0, kind 0, no machines.
-    CQZRMoldingMachineMaker();
     // A null name is taken as the empty text.
     CQZRMoldingMachineMaker(const char* name, int id, int kind);
     CQZRMoldingMachineMaker(const CQZRMoldingMachineMaker& other);
@@ -61,15 +59,6 @@ class CQZRMoldingMachineMaker {
 
     // Destroys the record at the position; later records move up one place.
     bool RemoveMachineAt(std::size_t position);
-    // Destroys the first machine whose grade matches under the name rule.
-    bool RemoveMachine(const char* grade);
-    bool RemoveAllMachine();
-
-    // Copy out by machine id or by grade (first match); false when none matches.
-    bool GetMachine(int machineId, CQZRIM& machine) const;
-    bool GetMachine(int machineId, CQZRRTM& machine) const;
-    bool GetMachine(const char* grade, CQZRIM& machine) const;
-    bool GetMachine(const char* grade, CQZRRTM& machine) const;
 
   private:
     template <class Record>
