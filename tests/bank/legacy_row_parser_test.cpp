@@ -359,14 +359,39 @@ TEST(LegacyRowNumbers, RealFieldsConvertAsTheCLibraryDoes) {
                                  "--1",
                                  "1..2",
                                  "1e5.5"};
-    for (const char* text : texts) {
-        SCOPED_TRACE(std::string("[") + text + "]");
+    std::vector<std::string> all(std::begin(texts), std::end(texts));
+    // Generated decimals: leading zeros, up to 25 digits, fractions, exponents, signs.
+    std::mt19937 random(99);
+    std::uniform_int_distribution<int> count(0, 25);
+    std::uniform_int_distribution<int> digit(0, 9);
+    std::uniform_int_distribution<int> percent(0, 99);
+    std::uniform_int_distribution<int> exponent(-40, 40);
+    for (int i = 0; i < 50000; ++i) {
+        std::string text = percent(random) < 20 ? "-" : percent(random) < 10 ? "+" : "";
+        const int integerDigits = count(random) % (percent(random) < 80 ? 6 : 26);
+        for (int d = 0; d < integerDigits; ++d) {
+            text += static_cast<char>('0' + (percent(random) < 15 ? 0 : digit(random)));
+        }
+        if (percent(random) < 70) {
+            text += '.';
+            const int fractionDigits = count(random) % (percent(random) < 80 ? 6 : 26);
+            for (int d = 0; d < fractionDigits; ++d) {
+                text += static_cast<char>('0' + digit(random));
+            }
+        }
+        if (percent(random) < 20) {
+            text += platform::FormatC("e%+d", exponent(random));
+        }
+        all.push_back(text);
+    }
+    for (const std::string& text : all) {
         double fast = 12345.0;
         double slow = 12345.0;
-        const bool fastResult = ScanRealField(text, &fast);
-        const bool slowResult = platform::ScanDouble(text, &slow);
-        ASSERT_EQ(fastResult, slowResult);
-        EXPECT_EQ(platform::FormatC("%.17g", fast), platform::FormatC("%.17g", slow));
+        const bool fastResult = ScanRealField(text.c_str(), &fast);
+        const bool slowResult = platform::ScanDouble(text.c_str(), &slow);
+        ASSERT_EQ(fastResult, slowResult) << "[" << text << "]";
+        ASSERT_EQ(platform::FormatC("%.17g", fast), platform::FormatC("%.17g", slow))
+            << "[" << text << "]";
     }
 }
 
@@ -378,9 +403,18 @@ TEST(LegacyRowNumbers, RoundingToFourDigitsMatchesPrintfAndReadBack) {
     std::uniform_real_distribution<double> mantissa(0.0, 10.0);
     std::uniform_int_distribution<int> exponent(-12, 12);
     std::uniform_int_distribution<int> sixteenths(0, 160000);
+    std::uniform_int_distribution<int> wideExponent(-25, 25);
+    std::uniform_int_distribution<int> fourDigits(1000, 9999);
     for (int i = 0; i < 20000; ++i) {
         values.push_back(mantissa(random) * std::pow(10.0, exponent(random)));
+        values.push_back(-mantissa(random) * std::pow(10.0, wideExponent(random)));
         values.push_back(sixteenths(random) / 16.0);  // exact binary ties of "%.4g"
+        // Decimal near-ties (d.ddd5) and decade edges (9999.5, 999.95 ...).
+        const double scale = std::pow(10.0, exponent(random));
+        values.push_back((fourDigits(random) + 0.5) * scale);
+        values.push_back(9999.5 * scale);
+        values.push_back(std::nextafter(9999.5 * scale, 0.0));
+        values.push_back(scale);
     }
     for (double value : values) {
         double slow = 0.0;

@@ -103,13 +103,10 @@ LayoutFields FieldsOf(OldRowLayout layout) {
     return FieldsOf(kBaseFields, false);
 }
 
-// strlen, but looking at no more than maxChars characters.
+// strlen, but looking at no more than maxChars characters (memchr stops at the first match).
 size_t BoundedLength(const char* text, size_t maxChars) {
-    size_t length = 0;
-    while (length < maxChars && text[length] != '\0') {
-        ++length;
-    }
-    return length;
+    const void* end = std::memchr(text, '\0', maxChars);
+    return end == nullptr ? maxChars : static_cast<size_t>(static_cast<const char*>(end) - text);
 }
 
 // ID, maker and grade come before the trailing fields.
@@ -130,25 +127,26 @@ class RowTokens {
 
     RowTokens(const char* row, size_t length) {
         std::memcpy(m_text, row, length);
-        m_text[length] = '\0';
-        size_t i = 0;
-        while (i < length && m_count < kMaxTokens) {
-            while (i < length && IsDelimiter(m_text[i])) {
-                m_text[i++] = '\0';
+        m_text[length] = '\0';  // the end mark the loops below stop at
+        char* p = m_text;
+        for (;;) {
+            while (*p == ',' || *p == '\n') {
+                *p++ = '\0';
             }
-            if (i == length) {
+            if (*p == '\0' || m_count == kMaxTokens) {
                 break;
             }
-            const size_t start = i;
-            while (i < length && !IsDelimiter(m_text[i])) {
-                ++i;
+            const char* start = p;
+            while (!kEndsToken[static_cast<unsigned char>(*p)]) {
+                ++p;
             }
-            m_start[m_count] = static_cast<uint16_t>(start);
-            m_length[m_count] = static_cast<uint16_t>(i - start);
+            m_start[m_count] = static_cast<uint16_t>(start - m_text);
+            m_length[m_count] = static_cast<uint16_t>(p - start);
             ++m_count;
-            if (i < length) {
-                m_text[i++] = '\0';
+            if (*p == '\0') {
+                break;
             }
+            *p++ = '\0';
         }
     }
 
@@ -161,7 +159,14 @@ class RowTokens {
     const char* FromEnd(int place) const { return Token(m_count - place); }
 
   private:
-    static bool IsDelimiter(char c) { return c == ',' || c == '\n'; }
+    // The two delimiters and the end mark.
+    static constexpr std::array<bool, 256> kEndsToken = [] {
+        std::array<bool, 256> ends{};
+        ends[static_cast<unsigned char>(',')] = true;
+        ends[static_cast<unsigned char>('\n')] = true;
+        ends[0] = true;
+        return ends;
+    }();
 
     char m_text[kOldRowMaxChars + 1];
     uint16_t m_start[kMaxTokens];
