@@ -75,7 +75,7 @@ int CQZRFileIO::GetKeyString(const char* section, const char* key, const char** 
     }
     // A piece holds at most 511 characters, so its value always fits with its terminator.
     const std::string_view text = qzr::bank::SectionedEntryValue(keyLine);
-    std::memcpy(g_valueBuffer, text.data(), text.size());
+    text.copy(g_valueBuffer, text.size());
     g_valueBuffer[text.size()] = '\0';
     if (value != nullptr) {
         *value = g_valueBuffer;
