@@ -131,26 +131,5 @@ TEST(LegacyFront, MissingArgumentsAreRefusedBeforeAnything) {
     EXPECT_STREQ(path, "");
 }
 
-TEST(LegacyFront, OneReaderCarriesTheHeaderFromLoadToLoad) {
-    ScratchFolder folder;
-    const std::string system = folder.Write("system-pro.bnk", kSystemBank);
-    // "Version,7007,,," is no exact user-bank version line: it leaves the system-bank flag
-    // as the reader's last recognition left it.
-    const std::string loose = folder.Write(
-        "loose.bnk", CrLfLines({"[Header]", "Version,7007,,,", "", "[Database]",
-                                "1,Psi,P-1,,1,2,3,4,5,6,7,8,9,10,2,0.5,4,11,12,13,14,15,16"}));
-
-    CQZRMoldingMachineIO fresh;
-    CQZRMoldingMachineCtrl first;
-    EXPECT_TRUE(fresh.LoadOldIMMUserDatabase(loose.c_str(), &first));
-    EXPECT_EQ(first.GetTotalMachine(), 1);
-
-    CQZRMoldingMachineIO used;
-    CQZRMoldingMachineCtrl second;
-    ASSERT_TRUE(used.LoadOldIMMSystemDatabase(system.c_str(), &second));
-    EXPECT_FALSE(used.LoadOldIMMUserDatabase(loose.c_str(), &second));
-    EXPECT_EQ(second.GetTotalMachine(), 2);
-}
-
 }  // namespace
 }  // namespace qzr::legacy

@@ -54,8 +54,11 @@ bool IsCSpace(char c) {
 }
 
 // One pass over the lines of a bank file. Lines are read in pieces of at most 1023
-// characters, as the DLL's fgets into 1024 bytes read them, and every test on a line sees it
-// as a C text: up to its first NUL byte.
+// characters, as the DLL's fgets into 1024 bytes read them (the rest of a longer line is the
+// next line, usually refused as a row for too few fields), and every test on a line sees it
+// as a C text: up to its first NUL byte. The marker searches are plain byte searches, as the
+// row split is (see OldRowParser.cpp): the markers are ASCII, and the library runs in the
+// single-byte "C" locale.
 class OldBankScan {
   public:
     OldBankScan(platform::TextLineReader& file, CQZRMoldingMachineCtrl& catalogue,

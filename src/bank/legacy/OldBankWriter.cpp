@@ -37,7 +37,9 @@ constexpr const char* kOldUserBankHead =
     "[Database]\n";
 
 // Every row has ID 1: the user-bank reader takes no other. Texts go out as they stand, so a
-// comma in a maker or grade, or a line end in any text, breaks the row for the reader.
+// comma in a maker or grade, or a line end in any text, breaks the row for the reader. The
+// time constants ("%lg") take the C library's exponent digits when they need an exponent
+// ("1e-05" here, "1e-005" from the DLL); the readers take both.
 void WriteOldUserRow(platform::TextWriter& out, const CQZRIM& machine) {
     const NozzleSpecification& nozzle = machine.GetNozzleSpecification();
     out.Format(

@@ -116,10 +116,12 @@ constexpr int kLeadingTokens = 3;
 // two tokens, and none stands at either end, so an empty field gives no token and the fields
 // after it move one place forward. Tokens keep their blanks (and a carriage return).
 //
-// The split works on bytes. The bank's bytes are text in the host's code page, and in the
-// single-byte "C" locale the library runs in this is the whole story; the double-byte code
-// pages of the hosts never use ',' or '\n' as a trail byte either, so well-formed text splits
-// the same there.
+// The split, like every search on a row, works on bytes whatever locale the host has set, so
+// that a bank loads into the same catalogue on every host. The DLL's tokenizer stepped over
+// the double-byte characters of the host's code page, but none of those code pages (nor
+// UTF-8) uses ',' or '\n' inside a character, so well-formed text splits the same. Where the
+// two can differ is a byte search that matches from the middle of a double-byte character:
+// a grade of one Latin letter equal to the trail byte of a double-byte maker name.
 class RowTokens {
   public:
     // At most 1023 characters hold at most 512 tokens (a character and a delimiter each).
