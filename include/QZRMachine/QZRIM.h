@@ -79,10 +79,10 @@ public:
     void SetMachineEnergyType(int value);
     double GetHydraulicPressureTransferFactor() const;
     void SetHydraulicPressureTransferFactor(double value);
-    // The record's own specification: changes made through the reference are kept.
+    // The record's own NozzleSpecification: changes made through the reference are kept.
     NozzleSpecification& GetNozzleSpecification();
     const NozzleSpecification& GetNozzleSpecification() const;
-    void SetNozzleSpecification(const NozzleSpecification& specification);
+    void SetNozzleSpecification(const NozzleSpecification& nozzle);
 
     // Same machine by full data, by key data, and by maker and grade only.
     bool IsMachineIdentity(const CQZRIM& other) const;

@@ -268,15 +268,15 @@ NozzleSpecification& CQZRIM::GetNozzleSpecification() {
 const NozzleSpecification& CQZRIM::GetNozzleSpecification() const {
     return m_fields->nozzleSpecification;
 }
-void CQZRIM::SetNozzleSpecification(const NozzleSpecification& specification) {
-    m_fields->nozzleSpecification = specification;
+void CQZRIM::SetNozzleSpecification(const NozzleSpecification& nozzle) {
+    m_fields->nozzleSpecification = nozzle;
 }
 
 // Identity comparisons. Texts follow the name rule and are read through the virtual getters;
 // numbers must be exactly equal (==: a NaN matches nothing, not even itself, and +0 matches
 // -0). Each test stops at the first attribute that differs. What the full comparison leaves
 // out (catalogue numbers, controller, dates, screw type, the legacy-only machine parameters and
-// the nozzle specification) does not make two records different machines.
+// the nozzle data) does not make two records different machines.
 
 bool CQZRIM::IsMachineIdentity(const CQZRIM& other) const {
     const Fields& a = *m_fields;
