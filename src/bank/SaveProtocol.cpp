@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <string>
+#include <utility>
 
 #include "bank/BankFileSave.h"
 #include "bank/BankPathKind.h"
@@ -100,21 +101,93 @@ bool CQZRMoldingMachineWriter::GetDefaultBankPath(const char* folder, int kind, 
 
 namespace qzr::bank {
 
-bool SaveBankFile(const std::string& target,
-                  const std::function<void(qzr::platform::TextWriter&)>& writeBody) {
-    if (qzr::platform::CurrentEnv()->PathExists(target)) {
-        CQZRMoldingMachineWriter::BackupBankFile(target.c_str());
-    } else if (!CQZRMoldingMachineWriter::EnsureBankFileExists(target.c_str())) {
-        return false;
+namespace {
+
+// The new bank is written beside its target under this name and moved over the target only
+// once it is complete and on the medium, so that a crash, a full disk or a failing write in
+// the middle of a save leaves the previous bank whole. The name is fixed rather than unique:
+// a save interrupted by a crash leaves at most this one file, which the next save replaces.
+constexpr char kTemporarySuffix[] = ".tmp";
+
+// Removes the temporary file when the save does not go through, however it ends (a failed
+// step, or an exception out of the code writing the body).
+class TemporaryBankFile {
+  public:
+    explicit TemporaryBankFile(std::string path) : m_path(std::move(path)) {}
+    ~TemporaryBankFile() {
+        if (!m_movedIntoPlace) {
+            qzr::platform::CurrentEnv()->RemoveFile(m_path);
+        }
     }
-    qzr::platform::TextWriter file(target, qzr::platform::WriteMode::kTruncate);
+    TemporaryBankFile(const TemporaryBankFile&) = delete;
+    TemporaryBankFile& operator=(const TemporaryBankFile&) = delete;
+
+    const std::string& path() const { return m_path; }
+    void MovedIntoPlace() { m_movedIntoPlace = true; }
+
+  private:
+    std::string m_path;
+    bool m_movedIntoPlace = false;
+};
+
+// An existing target is replaced only by a regular file: a new bank moved over a folder, a
+// device such as /dev/null or a pipe would replace it rather than write into it (and the
+// readers refuse all of these as banks). The platform opens nothing else for reading.
+bool IsRegularBankFile(const std::string& target) {
+    return qzr::platform::CurrentEnv()->OpenForReading(target) != nullptr;
+}
+
+// Writes the whole bank into path, flushed and synced to the medium; false on any failure of
+// the open, a write, the flush, the sync or the close.
+bool WriteCompleteFile(const std::string& path,
+                       const std::function<void(qzr::platform::TextWriter&)>& writeBody) {
+    qzr::platform::TextWriter file(path, qzr::platform::WriteMode::kTruncate);
     if (!file.IsOpen()) {
         return false;
     }
     if (writeBody) {
         writeBody(file);
     }
-    file.Close();
+    const bool synced = file.Sync();
+    return file.Close() && synced;
+}
+
+}  // namespace
+
+bool SaveBankFile(const std::string& target,
+                  const std::function<void(qzr::platform::TextWriter&)>& writeBody) {
+    qzr::platform::Env* env = qzr::platform::CurrentEnv();
+    const bool targetExists = env->PathExists(target);
+    if (targetExists) {
+        if (!IsRegularBankFile(target)) {
+            return false;
+        }
+        CQZRMoldingMachineWriter::BackupBankFile(target.c_str());
+        // Where the old in-place write failed, the save still fails: a target that does not
+        // open for appending (a read-only file) is refused, not replaced; the backup stays.
+        // The append-mode open changes nothing in the file.
+        if (!CQZRMoldingMachineWriter::EnsureBankFileExists(target.c_str())) {
+            return false;
+        }
+    }
+    // A missing target is created by the move below; a missing folder fails here, at the
+    // temporary file, and nothing is created. A stale temporary file is removed first rather
+    // than written through (it may be read-only, or a link to some other file).
+    TemporaryBankFile temporary(target + kTemporarySuffix);
+    env->RemoveFile(temporary.path());
+    if (!WriteCompleteFile(temporary.path(), writeBody)) {
+        return false;
+    }
+    // The new bank keeps the access rights of the one it replaces. A medium without POSIX
+    // permissions (a FAT stick) may refuse the change; the bank is saved all the same, with
+    // the rights every new file gets there.
+    if (targetExists) {
+        env->CopyPermissions(target, temporary.path());
+    }
+    if (!env->RenameReplacing(temporary.path(), target)) {
+        return false;
+    }
+    temporary.MovedIntoPlace();
     return true;
 }
 

@@ -92,6 +92,23 @@ class FileDescriptor {
     int m_fd;
 };
 
+// Only regular files are read: a folder, a device (/dev/zero would never end) or a pipe is
+// refused. The open does not wait for a pipe's writer; the descriptor reads blocking again
+// once it is known to be a file. -1 when refused.
+int OpenRegularFileForReading(const char* osPath, struct stat* info) {
+    FileDescriptor fd(OpenRetrying(osPath, O_RDONLY | O_NONBLOCK, 0));
+    struct stat own;
+    struct stat* status = info != nullptr ? info : &own;
+    if (!fd.valid() || ::fstat(fd.get(), status) != 0 || !S_ISREG(status->st_mode)) {
+        return -1;
+    }
+    const int flags = ::fcntl(fd.get(), F_GETFL);
+    if (flags < 0 || ::fcntl(fd.get(), F_SETFL, flags & ~O_NONBLOCK) != 0) {
+        return -1;
+    }
+    return fd.Release();
+}
+
 class PosixReadableFile : public ReadableFile {
   public:
     explicit PosixReadableFile(int fd) : m_fd(fd) {}
@@ -164,12 +181,11 @@ class PosixEnv : public Env {
         if (path.empty()) {
             return nullptr;
         }
-        FileDescriptor fd(OpenRetrying(ToOsPath(path).c_str(), O_RDONLY, 0));
-        struct stat info;
-        if (!fd.valid() || ::fstat(fd.get(), &info) != 0 || S_ISDIR(info.st_mode)) {
+        const int fd = OpenRegularFileForReading(ToOsPath(path).c_str(), nullptr);
+        if (fd < 0) {
             return nullptr;
         }
-        return std::make_unique<PosixReadableFile>(fd.Release());
+        return std::make_unique<PosixReadableFile>(fd);
     }
 
     // Like fopen's "w" and "a": new files get 0666 less the process's umask.
@@ -192,10 +208,9 @@ class PosixEnv : public Env {
         if (from.empty() || to.empty()) {
             return false;
         }
-        FileDescriptor source(OpenRetrying(ToOsPath(from).c_str(), O_RDONLY, 0));
         struct stat sourceInfo;
-        if (!source.valid() || ::fstat(source.get(), &sourceInfo) != 0 ||
-            !S_ISREG(sourceInfo.st_mode)) {
+        FileDescriptor source(OpenRegularFileForReading(ToOsPath(from).c_str(), &sourceInfo));
+        if (!source.valid()) {
             return false;
         }
         struct stat targetInfo;
