@@ -1,0 +1,166 @@
+// Hostile files through the public load members: huge files, huge lines, too many sections,
+// garbage, folders, devices and pipes. Every one gives a defined result, and none crashes or
+// hangs. The files are generated here; none is kept in the repository.
+#include <gtest/gtest.h>
+
+#if !defined(_WIN32)
+#include <sys/stat.h>
+#endif
+
+#include <random>
+#include <string>
+#include <vector>
+
+#include <QZRMachine/QZRMoldingMachineCtrl.h>
+#include <QZRMachine/QZRMoldingMachineIO.h>
+
+#include "reliability_test_support.h"
+
+namespace {
+
+using qzr::reliability::testing::ScratchFolder;
+
+std::string Repeat(const std::string& text, size_t times) {
+    std::string out;
+    out.reserve(text.size() * times);
+    for (size_t i = 0; i < times; ++i) {
+        out += text;
+    }
+    return out;
+}
+
+std::string SectionedHeader(int format, int type) {
+    return "[FileHeader]\r\nVersion    = 9000\r\nFormat     = " + std::to_string(format) +
+           "\r\nType       = " + std::to_string(type) + "\r\n\r\n[General]\r\n\r\n";
+}
+
+std::string Machine(long number) {
+    return "[Machine-" + std::to_string(number) + "]\r\nMaker = Hostile\r\nGrade = H-" +
+           std::to_string(number) + "\r\n";
+}
+
+constexpr char kOldUserHead[] = "[Header]\r\nVersion,7007\r\n\r\n[Database]\r\n";
+constexpr char kOldRow[] =
+    "1,Hostile,H-1,,100.00, 50.50,180.00, 95.30, 32.00,140.00,0.01,0.1,  0.00,2500.00,0,"
+    "  1.00,0,  0.00,  0.00,  0.00,  0.00,  0.00,  0.00\r\n";
+
+std::string Garbage(size_t size) {
+    std::mt19937 random(20240611);
+    std::string bytes(size, '\0');
+    for (char& c : bytes) {
+        c = static_cast<char>(random());
+    }
+    return bytes;
+}
+
+// Each of the six load members on one path (the folder loads with the path as their pattern)
+// into a fresh catalogue: '-' for false, else the number of machines loaded, in the order
+// legacy system, legacy user, IMM user, RTM user, IMM folder, RTM folder.
+std::string LoadEveryWay(const std::string& path) {
+    std::string outcome;
+    for (int way = 0; way < 6; ++way) {
+        CQZRMoldingMachineCtrl catalogue;
+        CQZRMoldingMachineCtrl* pointer = &catalogue;
+        CQZRMoldingMachineIO io;
+        const char* p = path.c_str();
+        const bool loaded = way == 0   ? io.LoadOldIMMSystemDatabase(p, pointer)
+                            : way == 1 ? io.LoadOldIMMUserDatabase(p, pointer)
+                            : way == 2 ? io.LoadIMMUserDatabase(p, pointer)
+                            : way == 3 ? io.LoadRTMUserDatabase(p, pointer)
+                            : way == 4 ? io.LoadIMMSystemDatabase(p, pointer)
+                                       : io.LoadRTMSystemDatabase(p, pointer);
+        outcome += (way > 0 ? " " : "");
+        outcome += loaded ? std::to_string(catalogue.GetTotalMachine()) : "-";
+    }
+    return outcome;
+}
+
+TEST(HostileFiles, EveryLoadGivesADefinedResult) {
+    ScratchFolder folder;
+    struct Row {
+        const char* name;
+        std::string bytes;
+        const char* outcome;
+    };
+    const size_t kMiB = 1024 * 1024;
+    const std::string filler = "Filler = " + std::string(90, 'f') + "\r\n";
+    const Row rows[] = {
+        // 30 MB after two machines: the scan reads it all, memory stays small.
+        {"huge_sectioned.bnk",
+         SectionedHeader(1, 0) + Machine(1) + Machine(2) +
+             Repeat(filler, 30 * kMiB / filler.size()),
+         "- - 2 - 0 0"},
+        {"huge_legacy.bnk", kOldUserHead + std::string(kOldRow) + Repeat("1,x\r\n", 6 * kMiB),
+         "- 1 - - 0 0"},
+        // A megabyte-long line is read in pieces; the value keeps the first piece's part.
+        {"megabyte_value.bnk",
+         SectionedHeader(0, 1) + Machine(1) + "Remark = " + std::string(kMiB, 'r') + "\r\n" +
+             Machine(2),
+         "- - - - 0 2"},
+        {"megabyte_row.bnk", kOldUserHead + std::string(kMiB, '7') + "\r\n" + kOldRow,
+         "- 1 - - 0 0"},
+        {"megabyte_first_line.bnk", std::string(kMiB, ' ') + SectionedHeader(1, 0) + Machine(1),
+         "- - - - 0 0"},
+        // Sections beyond 65535 are never read.
+        {"sections_100000.bnk",
+         [] {
+             std::string text = SectionedHeader(1, 1);
+             for (long n = 1; n <= 100000; ++n) {
+                 text += Machine(n);
+             }
+             return text;
+         }(),
+         "- - - 65535 0 0"},
+        {"gap_at_1.bnk", SectionedHeader(1, 0) + Machine(2) + Machine(3), "- - 0 - 0 0"},
+        {"machine_keys_missing.bnk",
+         SectionedHeader(0, 0) + "[Machine-1]\r\nRemark = r\r\n[Machine-2]\r\n", "- - - - 0 0"},
+        {"header_keys_missing.bnk", "[FileHeader]\r\n[General]\r\n" + Machine(1), "- - - - 0 0"},
+        {"legacy_markers_only.bnk", "[Header],,,,,,,,,\r\nVersion,7007\r\nTotalNo,\r\n[Database]",
+         "0 - - - 0 0"},
+        {"garbage.bnk", Garbage(kMiB), "- - - - 0 0"},
+        {"empty.bnk", "", "- - - - 0 0"},
+    };
+    for (const Row& row : rows) {
+        folder.Write(row.name, row.bytes);
+        EXPECT_EQ(LoadEveryWay(folder.File(row.name)), row.outcome) << row.name;
+    }
+}
+
+#if !defined(_WIN32)
+TEST(HostileFiles, FoldersDevicesAndPipesAreNoBanks) {
+    ScratchFolder folder;
+    folder.Write("Bank/User-IMM.bnk/inside.txt", "a folder where a bank should be");
+    ASSERT_EQ(::mkfifo(folder.File("pipe.bnk").c_str(), 0600), 0);
+    struct Row {
+        std::string path;
+        const char* outcome;
+    };
+    const Row rows[] = {
+        {folder.File("Bank/User-IMM.bnk"), "- - - - 0 0"},
+        {"/dev/null", "- - - - 0 0"},
+        // Read forever, this would never end; a pipe without writer would block the open.
+        {"/dev/zero", "- - - - 0 0"},
+        {folder.File("pipe.bnk"), "- - - - 0 0"},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(LoadEveryWay(row.path), row.outcome) << row.path;
+    }
+
+    // A save never replaces what is not a regular file, nor waits for a pipe's reader.
+    CQZRMoldingMachineCtrl catalogue;
+    catalogue.SetFileVersion(9000);
+    catalogue.SetFileFormat(1);
+    catalogue.SetFileType(0);
+    CQZRMoldingMachineIO io;
+    for (const char* name : {"pipe.bnk", "Bank/User-IMM.bnk"}) {
+        EXPECT_FALSE(io.SaveIMMUserDatabase(folder.File(name).c_str(), &catalogue)) << name;
+    }
+    struct stat info {};
+    ASSERT_EQ(::stat(folder.File("pipe.bnk").c_str(), &info), 0);
+    EXPECT_TRUE(S_ISFIFO(info.st_mode));
+    const auto entries = folder.Snapshot();
+    EXPECT_EQ(entries.size(), 4u) << "Bank, the folder, its file and the pipe, nothing more";
+}
+#endif
+
+}  // namespace

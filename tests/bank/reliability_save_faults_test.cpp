@@ -1,0 +1,224 @@
+// Every file operation of every save, failed in turn: a first clean run counts the operations,
+// then the save is repeated from the same folder failing the k-th one, for every k. After each
+// run the previous bank must still be whole, nothing else in the folder may have changed, no
+// temporary file may be left, and the save must say false whenever the new bank is not
+// completely in place.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <QZRMachine/QZRMoldingMachineCtrl.h>
+#include <QZRMachine/QZRMoldingMachineIO.h>
+
+#include "platform/EnvWrapper.h"
+#include "reliability_test_support.h"
+
+namespace {
+
+using qzr::platform::Env;
+using qzr::platform::EnvWrapper;
+using qzr::platform::WritableFile;
+using qzr::platform::WriteMode;
+using qzr::reliability::testing::FillUserCatalogue;
+using qzr::reliability::testing::FolderSnapshot;
+using qzr::reliability::testing::ScratchFolder;
+
+// Counts the file operations and fails the one numbered failAt (1-based; 0 fails none). A
+// failed write puts half of its bytes on disk first, as a full disk does; a failed close
+// still releases the file. The clock is fixed, so every save writes the same bytes.
+class FaultyEnv : public EnvWrapper {
+  public:
+    explicit FaultyEnv(int failAt) : EnvWrapper(Env::Default()), m_failAt(failAt) {}
+
+    // The operations so far, by name, in order.
+    const std::vector<std::string>& operations() const { return m_operations; }
+
+    bool Fails(const char* operation) {
+        m_operations.emplace_back(operation);
+        return static_cast<int>(m_operations.size()) == m_failAt;
+    }
+
+    std::unique_ptr<qzr::platform::ReadableFile> OpenForReading(const std::string& path) override {
+        return Fails("open to read") ? nullptr : target()->OpenForReading(path);
+    }
+    std::unique_ptr<WritableFile> OpenForWriting(const std::string& path, WriteMode mode) override {
+        if (Fails(mode == WriteMode::kTruncate ? "create" : "open to append")) {
+            return nullptr;
+        }
+        std::unique_ptr<WritableFile> file = target()->OpenForWriting(path, mode);
+        return file ? std::make_unique<FaultyFile>(this, std::move(file), mode) : nullptr;
+    }
+    bool CopyFileReplacing(const std::string& from, const std::string& to) override {
+        return !Fails("copy") && target()->CopyFileReplacing(from, to);
+    }
+    bool RenameReplacing(const std::string& from, const std::string& to) override {
+        return !Fails("rename") && target()->RenameReplacing(from, to);
+    }
+    bool RemoveFile(const std::string& path) override {
+        return !Fails("remove") && target()->RemoveFile(path);
+    }
+    bool CopyPermissions(const std::string& from, const std::string& to) override {
+        return !Fails("permissions") && target()->CopyPermissions(from, to);
+    }
+    int64_t NowUtcSeconds() override { return 315626635; }
+
+  private:
+    class FaultyFile : public WritableFile {
+      public:
+        // The target is opened for appending only to see that it could be written; the
+        // operations on that handle are named apart.
+        FaultyFile(FaultyEnv* env, std::unique_ptr<WritableFile> file, WriteMode mode)
+            : m_env(env), m_file(std::move(file)), m_probe(mode == WriteMode::kAppend) {}
+        bool Append(const char* data, size_t n) override {
+            if (m_env->Fails(m_probe ? "write to the probe" : "write")) {
+                m_file->Append(data, n / 2);
+                return false;
+            }
+            return m_file->Append(data, n);
+        }
+        bool Flush() override {
+            return !m_env->Fails(m_probe ? "flush the probe" : "flush") && m_file->Flush();
+        }
+        bool Sync() override {
+            return !m_env->Fails(m_probe ? "sync the probe" : "sync") && m_file->Sync();
+        }
+        bool Close() override {
+            const bool failed = m_env->Fails(m_probe ? "close the probe" : "close");
+            return m_file->Close() && !failed;
+        }
+
+      private:
+        FaultyEnv* m_env;
+        std::unique_ptr<WritableFile> m_file;
+        bool m_probe;
+    };
+
+    int m_failAt;
+    std::vector<std::string> m_operations;
+};
+
+// Bank texts compared without printing whole banks on a mismatch.
+testing::AssertionResult SameBytes(const std::string& actual, const std::string& expected) {
+    if (actual == expected) {
+        return testing::AssertionSuccess();
+    }
+    size_t at = 0;
+    while (at < actual.size() && at < expected.size() && actual[at] == expected[at]) {
+        ++at;
+    }
+    return testing::AssertionFailure() << actual.size() << " bytes instead of " << expected.size()
+                                       << ", first difference at byte " << at;
+}
+
+// A failure of these leaves the new bank complete, so the save still succeeds: the backup
+// copy is not looked at, the stale temporary file is usually absent, a medium may refuse
+// permissions, and closing the append-mode probe of the target decides nothing once it
+// opened. Every other failing operation must fail the save.
+bool SaveSurvives(const std::string& operation) {
+    return operation == "copy" || operation == "remove" || operation == "permissions" ||
+           operation == "flush the probe" || operation == "close the probe";
+}
+
+struct WriterRow {
+    const char* label;
+    const char* target;  // relative to the folder
+    bool transferMoulding;
+    int version;
+    std::function<bool(CQZRMoldingMachineIO&, const ScratchFolder&, const CQZRMoldingMachineCtrl*)>
+        save;
+};
+
+// Enough machines for the body to take several writes of the writer's buffer.
+constexpr int kMachines = 600;
+
+TEST(SaveFaults, EveryFailingOperationKeepsThePreviousBank) {
+    const WriterRow writers[] = {
+        {"legacy", "Bank/user-pro.bnk", false, 7007,
+         [](CQZRMoldingMachineIO& io, const ScratchFolder& folder,
+            const CQZRMoldingMachineCtrl* c) {
+             return io.SaveOldIMMUserDatabase(folder.Folder().c_str(), c);
+         }},
+        {"IMM", "User-IMM.bnk", false, 9000,
+         [](CQZRMoldingMachineIO& io, const ScratchFolder& folder,
+            const CQZRMoldingMachineCtrl* c) {
+             return io.SaveIMMUserDatabase(folder.File("User-IMM.bnk").c_str(), c);
+         }},
+        {"RTM", "Bank/User-RTMIC.bnk", true, 9000,
+         [](CQZRMoldingMachineIO& io, const ScratchFolder& folder,
+            const CQZRMoldingMachineCtrl* c) {
+             return io.SaveRTMUserDatabase(folder.Folder().c_str(), c);
+         }},
+    };
+    for (const WriterRow& writer : writers) {
+        CQZRMoldingMachineCtrl catalogue;
+        FillUserCatalogue(catalogue, writer.transferMoulding, writer.version, kMachines);
+        const std::string target = writer.target;
+        const std::string backup = target + ".bak";
+        for (const bool targetExists : {true, false}) {
+            ScratchFolder folder;
+            folder.Write("Bank/Machine/IMM/a.bnk", "a system bank nobody touches\r\n");
+            folder.Write("notes.txt", "unrelated\n");
+            if (targetExists) {
+                folder.Write(target, "the previous bank\r\n[EOF]\r\n");
+                folder.Write(backup, "an older bank\r\n");
+            } else {
+                folder.Write("Bank/keep.txt", "");  // the Bank folder, without the target
+            }
+            const FolderSnapshot before = folder.Snapshot();
+
+            FaultyEnv counting(0);
+            std::string newBank;
+            {
+                qzr::platform::ScopedEnvOverride use(&counting);
+                CQZRMoldingMachineIO io;
+                ASSERT_TRUE(writer.save(io, folder, &catalogue)) << writer.label;
+                newBank = folder.Snapshot().at(target);
+            }
+            const std::vector<std::string> operations = counting.operations();
+            ASSERT_GT(std::count(operations.begin(), operations.end(), "write"), 1)
+                << writer.label << ": the body should take several writes";
+
+            for (size_t k = 1; k <= operations.size(); ++k) {
+                SCOPED_TRACE(std::string(writer.label) +
+                             (targetExists ? ", over a bank" : ", new") + ": failing operation " +
+                             std::to_string(k) + " (" + operations[k - 1] + ")");
+                folder.Restore(before);
+                bool saved;
+                {
+                    FaultyEnv faulty(static_cast<int>(k));
+                    qzr::platform::ScopedEnvOverride use(&faulty);
+                    CQZRMoldingMachineIO io;
+                    saved = writer.save(io, folder, &catalogue);
+                }
+                FolderSnapshot after = folder.Snapshot();
+                EXPECT_EQ(saved, SaveSurvives(operations[k - 1]));
+                EXPECT_EQ(after.count(target + ".tmp"), 0u) << "temporary file left";
+                if (saved) {
+                    EXPECT_TRUE(SameBytes(after[target], newBank)) << "new bank incomplete";
+                } else if (targetExists) {
+                    EXPECT_TRUE(SameBytes(after[target], before.at(target)))
+                        << "previous bank damaged";
+                } else {
+                    EXPECT_EQ(after.count(target), 0u) << "a failed save created the target";
+                }
+                // The backup holds the previous bank or stays as it was; nothing else moves.
+                if (targetExists && after[backup] != before.at(backup)) {
+                    EXPECT_TRUE(SameBytes(after[backup], before.at(target)))
+                        << "backup is not the previous bank";
+                }
+                after.erase(target);
+                after.erase(backup);
+                FolderSnapshot untouched = before;
+                untouched.erase(target);
+                untouched.erase(backup);
+                EXPECT_TRUE(after == untouched) << "another file changed";
+            }
+        }
+    }
+}
+
+}  // namespace
