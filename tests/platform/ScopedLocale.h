@@ -9,19 +9,18 @@ namespace qzr::test {
 
 class ScopedLocale {
   public:
-    explicit ScopedLocale(const char* name) : m_previous(std::setlocale(LC_ALL, nullptr)) {
-        m_installed = std::setlocale(LC_ALL, name) != nullptr;
-    }
+    explicit ScopedLocale(const char* name)
+        : m_previous(std::setlocale(LC_ALL, nullptr)),
+          m_installed(std::setlocale(LC_ALL, name) != nullptr) {}
     ~ScopedLocale() { std::setlocale(LC_ALL, m_previous.c_str()); }
     ScopedLocale(const ScopedLocale&) = delete;
     ScopedLocale& operator=(const ScopedLocale&) = delete;
-
     // False when the host has no such locale; the test then skips what needs it.
     bool installed() const { return m_installed; }
 
   private:
     std::string m_previous;
-    bool m_installed = false;
+    bool m_installed;
 };
 
 }  // namespace qzr::test

@@ -1,0 +1,202 @@
+// Bank files as text-mode streams: reading against a naive translator and against fgets,
+// writing with every LF as CR LF and the first failure remembered.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/EnvWrapper.h"
+#include "platform/TempFolder.h"
+#include "platform/TextLineReader.h"
+#include "platform/TextWriter.h"
+
+namespace qzr::platform {
+namespace {
+
+using namespace std::string_literals;
+using test::TempFolder;
+
+// The obviously faithful translation of a whole file: the oracle.
+std::string NaiveTranslate(const std::string& raw) {
+    std::string text;
+    for (size_t i = 0; i < raw.size() && raw[i] != '\x1A'; ++i) {
+        if (raw[i] != '\r' || i + 1 == raw.size() || raw[i + 1] != '\n') {
+            text.push_back(raw[i]);  // a CR is dropped only when an LF follows
+        }
+    }
+    return text;
+}
+
+// Whole file, line pieces of at most 4 and 511 characters, and the translator fed in pieces of
+// 1 and 3 bytes (a CR on every possible chunk edge) must all give the naive translation.
+TEST(TextLineReader, TranslatesLikeTheNaiveReader) {
+    constexpr size_t kChunk = 64 * 1024;  // the reader's chunk size
+    const std::pair<const char*, std::string> rows[] = {
+        {"empty", ""},
+        {"CR LF, lone CR, CR CR LF, LF CR", "a\r\nb\rc\r\r\nd\n\re\r\n"},
+        {"CR at the end", "a\r"},
+        {"Ctrl-Z ends the file", "a\r\nb\032c\r\n"},
+        {"CR before Ctrl-Z", "a\r\032\n"},
+        {"NUL bytes", std::string("a\0b\r\n\0", 6)},
+        {"CR LF across the chunk edge", std::string(kChunk - 1, 'x') + "\r\nend"},
+        {"lone CR at the chunk edge", std::string(kChunk - 1, 'x') + "\ry"},
+        {"Ctrl-Z after the chunk edge", std::string(kChunk, 'x') + "\032tail"},
+    };
+    ASSERT_EQ(NaiveTranslate("a\r\r\nb\rc\032d"), "a\r\nb\rc");
+    TempFolder folder;
+    const std::string path = folder.File("bank.bnk");
+    for (const auto& [label, raw] : rows) {
+        folder.WriteBytes("bank.bnk", raw);
+        const std::string expected = NaiveTranslate(raw);
+        std::string text;
+        ASSERT_TRUE(ReadTextFile(path, &text)) << label;
+        EXPECT_EQ(text, expected) << label;
+        for (size_t maxChars : {4u, 511u}) {
+            TextLineReader reader(path);
+            text.clear();
+            for (std::string line; reader.ReadLine(&line, maxChars);) {
+                text += line;
+            }
+            EXPECT_EQ(text, expected) << label << ", pieces of " << maxChars;
+        }
+        for (size_t piece : {1u, 3u}) {
+            TextModeTranslator translator;
+            text.clear();
+            for (size_t pos = 0; pos < raw.size(); pos += piece) {
+                translator.Feed(raw.data() + pos, std::min(piece, raw.size() - pos), &text);
+            }
+            translator.Finish(&text);
+            EXPECT_EQ(text, expected) << label << ", fed by " << piece;
+        }
+    }
+}
+
+using Pieces = std::vector<std::pair<std::string, bool>>;  // each line piece and AtEnd after it
+
+// fgets with a buffer of maxChars + 1 over the already translated bytes: the C library's own
+// splitting and end-of-file flag. Piece lengths come from the file position, so NULs count.
+Pieces FgetsPieces(const std::string& path, size_t maxChars) {
+    Pieces pieces;
+    FILE* file = std::fopen(path.c_str(), "rb");
+    std::vector<char> buffer(maxChars + 1);
+    for (long before = 0; std::fgets(buffer.data(), static_cast<int>(buffer.size()), file);) {
+        const long after = std::ftell(file);
+        pieces.emplace_back(std::string(buffer.data(), static_cast<size_t>(after - before)),
+                            feof(file) != 0);
+        before = after;
+    }
+    pieces.emplace_back("<none>", feof(file) != 0);
+    std::fclose(file);
+    return pieces;
+}
+
+Pieces ReaderPieces(const std::string& path, size_t maxChars) {
+    Pieces pieces;
+    TextLineReader reader(path);
+    for (std::string line; reader.ReadLine(&line, maxChars);) {
+        pieces.emplace_back(line, reader.AtEnd());
+    }
+    pieces.emplace_back("<none>", reader.AtEnd());
+    return pieces;
+}
+
+TEST(TextLineReader, SplitsLikeFgets) {
+    const auto k = [](size_t length) { return std::string(length, 'k'); };
+    const std::pair<const char*, std::string> rows[] = {
+        {"empty", ""},
+        {"short lines, no final LF", "Maker = A\n\nGrade = B"},
+        {"lines around 511", k(510) + "\n" + k(511) + "\n" + k(512) + "\n"},
+        {"around 1023, long last", k(1022) + "\n" + k(1023) + "\n" + k(1024) + "\n" + k(1500)},
+        {"last line of exactly 511, no LF", k(511)},
+        {"NULs inside lines", std::string("a\0b\n\0\n", 6)},
+    };
+    TempFolder folder;
+    for (const auto& [label, text] : rows) {
+        folder.WriteBytes("plain.txt", text);
+        std::string withCrLf;
+        for (char c : text) {
+            withCrLf += c == '\n' ? std::string("\r\n") : std::string(1, c);
+        }
+        folder.WriteBytes("bank.bnk", withCrLf);
+        for (size_t maxChars : {1u, 511u, 1023u}) {
+            EXPECT_EQ(ReaderPieces(folder.File("bank.bnk"), maxChars),
+                      FgetsPieces(folder.File("plain.txt"), maxChars))
+                << label << ", at most " << maxChars;
+        }
+    }
+}
+
+// Files that take `budget` bytes and no more, keep what they took, and may fail to close.
+struct BudgetEnv : EnvWrapper {
+    BudgetEnv(size_t bytes, bool failClose)
+        : EnvWrapper(nullptr), budget(bytes), closeFails(failClose) {}
+    std::unique_ptr<WritableFile> OpenForWriting(const std::string&, WriteMode) override {
+        struct Budget : WritableFile {
+            BudgetEnv* env = nullptr;
+            bool Append(const char* data, size_t n) override {
+                if (env->written.size() + n > env->budget) {
+                    return false;
+                }
+                env->written.append(data, n);
+                return true;
+            }
+            bool Flush() override { return true; }
+            bool Sync() override { return true; }
+            bool Close() override { return !env->closeFails; }
+        };
+        auto file = std::make_unique<Budget>();
+        file->env = this;
+        return file;
+    }
+    size_t budget;
+    bool closeFails;
+    std::string written;
+};
+
+// Every LF becomes CR LF on the way out, through several buffers' worth of lines written in
+// pieces that cut lines and buffers anywhere. The first failure is remembered through every later
+// call; a second Close repeats the answer.
+TEST(TextWriter, BuffersAndReportsFailures) {
+    std::string text = "a\rb\r\n\0\304\032\n"s;  // CR, NUL, Ctrl-Z and high bytes kept as they are
+    std::string onDisk = "a\rb\r\r\n\0\304\032\r\n"s;
+    for (int i = 0; text.size() < 200 * 1024; ++i) {
+        const std::string line = "Grade = G-" + std::to_string(i * 7919 % 100000);
+        text += line + "\n";
+        onDisk += line + "\r\n";
+    }
+    onDisk += "ClampingForce  = 1500.250000\r\n";
+    const struct {
+        const char* label;
+        size_t budget;
+        bool closeFails;
+        bool failedBeforeClose;
+        bool closes;
+    } rows[] = {
+        {"all fits", 1 << 20, false, false, true},
+        {"a buffer flush fails", 100 * 1024, false, true, false},
+        {"the final flush fails", onDisk.size() - 1, false, false, false},
+        {"the close fails", 1 << 20, true, false, false},
+    };
+    for (const auto& row : rows) {
+        BudgetEnv env(row.budget, row.closeFails);
+        ScopedEnvOverride useIt(&env);
+        TextWriter writer("out.bnk", WriteMode::kTruncate);
+        for (size_t pos = 0; pos < text.size(); pos += 7777) {
+            writer.Write(std::string_view(text).substr(pos, 7777));
+        }
+        writer.Format("%-14s = %lf\n", "ClampingForce", 1500.25);
+        EXPECT_EQ(writer.Failed(), row.failedBeforeClose) << row.label;
+        EXPECT_EQ(writer.Close(), row.closes) << row.label;
+        EXPECT_EQ(writer.Close(), row.closes) << row.label << ", second close";
+        EXPECT_EQ(env.written == onDisk, row.budget > onDisk.size()) << row.label;
+        writer.Write("late\n");
+        EXPECT_FALSE(writer.Close()) << row.label << ": writing after close fails";
+    }
+}
+
+}  // namespace
+}  // namespace qzr::platform
