@@ -1,0 +1,690 @@
+// Loads, saves and catalogue walks at N = 1,000, 10,000 and 100,000 machines, each timed with
+// Google Benchmark (medians of repetitions) and set against a reference pass that reads the
+// same file in 128 KiB chunks and splits it into lines with memchr. Peak memory is measured
+// once per case in a child process of its own (see MemoryProbe). At the end one table gives
+// every result.
+//
+//   qzr_bench [--sizes=1000,10000,100000] [--data=DIR] [--repetitions=5] [--min-time=0.3]
+//             [--no-memory] [benchmark flags]
+#include <fcntl.h>
+#include <malloc.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <memory>
+#include <new>
+#include <string>
+#include <vector>
+
+#include <benchmark/benchmark.h>
+
+#include <QZRMachine/QZRMachine.h>
+
+#include "BankGenerator.h"
+
+// -------------------------------------------------------------------------------------------
+// Heap accounting: every operator new/delete of the process (the library's included, since the
+// executable's replacements take precedence over the C++ runtime's) keeps a count of the bytes
+// in use and their high-water mark. Only the memory probes read them.
+
+namespace {
+std::atomic<long long> g_liveBytes{0};
+std::atomic<long long> g_peakBytes{0};
+
+void* CountedAllocate(std::size_t size) {
+    void* p = std::malloc(size == 0 ? 1 : size);
+    if (p == nullptr) {
+        throw std::bad_alloc();
+    }
+    const long long live = g_liveBytes.fetch_add(static_cast<long long>(malloc_usable_size(p)),
+                                                 std::memory_order_relaxed) +
+                           static_cast<long long>(malloc_usable_size(p));
+    if (live > g_peakBytes.load(std::memory_order_relaxed)) {
+        g_peakBytes.store(live, std::memory_order_relaxed);
+    }
+    return p;
+}
+
+void CountedFree(void* p) {
+    if (p != nullptr) {
+        g_liveBytes.fetch_sub(static_cast<long long>(malloc_usable_size(p)),
+                              std::memory_order_relaxed);
+        std::free(p);
+    }
+}
+}  // namespace
+
+void* operator new(std::size_t size) {
+    return CountedAllocate(size);
+}
+void* operator new[](std::size_t size) {
+    return CountedAllocate(size);
+}
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    try {
+        return CountedAllocate(size);
+    } catch (...) {
+        return nullptr;
+    }
+}
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+    try {
+        return CountedAllocate(size);
+    } catch (...) {
+        return nullptr;
+    }
+}
+void operator delete(void* p) noexcept {
+    CountedFree(p);
+}
+void operator delete[](void* p) noexcept {
+    CountedFree(p);
+}
+void operator delete(void* p, std::size_t) noexcept {
+    CountedFree(p);
+}
+void operator delete[](void* p, std::size_t) noexcept {
+    CountedFree(p);
+}
+
+namespace {
+
+namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
+
+constexpr double kMiB = 1024.0 * 1024.0;
+// Sections beyond this number are never read from one sectioned bank file.
+constexpr std::size_t kMaxSectionsPerFile = 65535;
+// A system-bank folder holds its machines in this many files.
+constexpr std::size_t kSystemBankFiles = 10;
+const char kCreateDate[] = "Mon Jan  6 08:00:00 2025\n";
+
+struct Options {
+    std::vector<std::size_t> sizes{1000, 10000, 100000};
+    std::string dataDir;
+    int repetitions = 5;
+    double minTime = 0.3;
+    bool memory = true;
+};
+
+// -------------------------------------------------------------------------------------------
+// The files of one size.
+
+struct SizeData {
+    std::size_t n = 0;
+    fs::path dir;
+    std::string sectionedUser;  // User-IMM.bnk
+    std::string systemPattern;  // Machine/IMM/*.bnk
+    std::vector<std::string> systemFiles;
+    std::string legacyUser;        // Bank/user-pro.bnk
+    std::string saveSectioned;     // out/User-IMM.bnk
+    std::string saveLegacyFolder;  // out/ (the writer adds Bank\user-pro.bnk)
+    std::string saveLegacyFile;
+};
+
+uint64_t FileBytes(const std::string& path) {
+    std::error_code error;
+    const uintmax_t size = fs::file_size(path, error);
+    return error ? 0 : static_cast<uint64_t>(size);
+}
+
+uint64_t FilesBytes(const std::vector<std::string>& paths) {
+    uint64_t total = 0;
+    for (const std::string& path : paths) {
+        total += FileBytes(path);
+    }
+    return total;
+}
+
+void Require(bool ok, const std::string& what) {
+    if (!ok) {
+        std::fprintf(stderr, "qzr_bench: %s\n", what.c_str());
+        std::exit(2);
+    }
+}
+
+SizeData PrepareSize(const fs::path& root, std::size_t n) {
+    SizeData data;
+    data.n = n;
+    data.dir = root / std::to_string(n);
+    fs::create_directories(data.dir / "Machine" / "IMM");
+    fs::create_directories(data.dir / "Bank");
+    fs::create_directories(data.dir / "out" / "Bank");
+    data.sectionedUser = (data.dir / "User-IMM.bnk").string();
+    data.legacyUser = (data.dir / "Bank" / "user-pro.bnk").string();
+    data.systemPattern = (data.dir / "Machine" / "IMM" / "*.bnk").string();
+    data.saveSectioned = (data.dir / "out" / "User-IMM.bnk").string();
+    data.saveLegacyFolder = (data.dir / "out").string() + "/";
+    data.saveLegacyFile = (data.dir / "out" / "Bank" / "user-pro.bnk").string();
+
+    // Files are made once and kept: the generator is deterministic, so a file of the right
+    // name and a size above zero is the same file.
+    auto make = [](const std::string& path, const std::function<std::string()>& text) {
+        if (FileBytes(path) == 0) {
+            Require(qzr::bench::WriteBankFile(path, text()), "cannot write " + path);
+        }
+    };
+    make(data.sectionedUser,
+         [n] { return qzr::bench::SectionedIMMBankText(1, 0, n, kCreateDate); });
+    make(data.legacyUser, [n] { return qzr::bench::LegacyUserBankText(0, n); });
+    const std::size_t perFile = (n + kSystemBankFiles - 1) / kSystemBankFiles;
+    for (std::size_t file = 0; file < kSystemBankFiles; ++file) {
+        const std::size_t first = file * perFile;
+        const std::size_t count = first >= n ? 0 : std::min(perFile, n - first);
+        char name[32];
+        std::snprintf(name, sizeof(name), "part-%02zu.bnk", file + 1);
+        const std::string path = (data.dir / "Machine" / "IMM" / name).string();
+        make(path, [first, count] {
+            return qzr::bench::SectionedIMMBankText(0, first, count, kCreateDate);
+        });
+        data.systemFiles.push_back(path);
+    }
+    return data;
+}
+
+// -------------------------------------------------------------------------------------------
+// The reference pass: the file in 128 KiB chunks, its lines found with memchr.
+
+std::size_t ReferencePass(const std::string& path) {
+    static std::vector<char> chunk(128 * 1024);
+    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) {
+        return 0;
+    }
+    std::size_t lines = 0;
+    for (;;) {
+        const ssize_t got = ::read(fd, chunk.data(), chunk.size());
+        if (got <= 0) {
+            break;
+        }
+        const char* p = chunk.data();
+        const char* const end = p + got;
+        while (const void* lineFeed = std::memchr(p, '\n', static_cast<std::size_t>(end - p))) {
+            ++lines;
+            p = static_cast<const char*>(lineFeed) + 1;
+        }
+    }
+    ::close(fd);
+    return lines;
+}
+
+// -------------------------------------------------------------------------------------------
+// The cases. Each has a setup (not timed), the operation (timed), and what it handled.
+
+struct Work {
+    uint64_t bytes = 0;     // bytes of the bank file(s) read or written
+    uint64_t machines = 0;  // machines loaded, saved or visited
+};
+
+struct CaseState {
+    std::unique_ptr<CQZRMoldingMachineCtrl> catalogue;
+    CQZRMoldingMachineIO io;
+};
+
+struct Case {
+    std::string name;           // e.g. "load sectioned user"
+    std::string referenceName;  // the reference pass this case is compared with
+    bool isReference = false;
+    // Makes the state the operation starts from.
+    std::function<void(const SizeData&, CaseState&)> setup;
+    // Runs the operation once.
+    std::function<Work(const SizeData&, CaseState&)> run;
+};
+
+void FreshCatalogue(const SizeData&, CaseState& state) {
+    state.catalogue = std::make_unique<CQZRMoldingMachineCtrl>();
+}
+
+void SectionedCatalogue(const SizeData& data, CaseState& state) {
+    state.catalogue = std::make_unique<CQZRMoldingMachineCtrl>();
+    qzr::bench::FillSectionedIMMUserCatalogue(data.n, *state.catalogue);
+    std::remove(data.saveSectioned.c_str());
+}
+
+void LegacyCatalogue(const SizeData& data, CaseState& state) {
+    state.catalogue = std::make_unique<CQZRMoldingMachineCtrl>();
+    qzr::bench::FillLegacyUserCatalogue(data.n, *state.catalogue);
+    std::remove(data.saveLegacyFile.c_str());
+}
+
+uint64_t Loaded(const CaseState& state) {
+    return static_cast<uint64_t>(state.catalogue->GetTotalMachine());
+}
+
+Work ReferenceOf(const std::vector<std::string>& paths) {
+    Work work;
+    for (const std::string& path : paths) {
+        const std::size_t lines = ReferencePass(path);
+        benchmark::DoNotOptimize(lines);
+        work.bytes += FileBytes(path);
+    }
+    return work;
+}
+
+std::vector<Case> Cases() {
+    std::vector<Case> cases;
+    auto noSetup = [](const SizeData&, CaseState&) {};
+    cases.push_back({"reference: sectioned user file", "", true, noSetup,
+                     [](const SizeData& d, CaseState&) { return ReferenceOf({d.sectionedUser}); }});
+    cases.push_back({"reference: system folder files", "", true, noSetup,
+                     [](const SizeData& d, CaseState&) { return ReferenceOf(d.systemFiles); }});
+    cases.push_back({"reference: legacy user file", "", true, noSetup,
+                     [](const SizeData& d, CaseState&) { return ReferenceOf({d.legacyUser}); }});
+    cases.push_back({"load sectioned user bank", "reference: sectioned user file", false,
+                     FreshCatalogue, [](const SizeData& d, CaseState& s) {
+                         Require(
+                             s.io.LoadIMMUserDatabase(d.sectionedUser.c_str(), s.catalogue.get()),
+                             "sectioned user load failed");
+                         return Work{FileBytes(d.sectionedUser), Loaded(s)};
+                     }});
+    cases.push_back({"load sectioned system folder", "reference: system folder files", false,
+                     FreshCatalogue, [](const SizeData& d, CaseState& s) {
+                         Require(
+                             s.io.LoadIMMSystemDatabase(d.systemPattern.c_str(), s.catalogue.get()),
+                             "system folder load failed");
+                         return Work{FilesBytes(d.systemFiles), Loaded(s)};
+                     }});
+    cases.push_back({"load legacy user bank", "reference: legacy user file", false, FreshCatalogue,
+                     [](const SizeData& d, CaseState& s) {
+                         Require(
+                             s.io.LoadOldIMMUserDatabase(d.legacyUser.c_str(), s.catalogue.get()),
+                             "legacy user load failed");
+                         return Work{FileBytes(d.legacyUser), Loaded(s)};
+                     }});
+    cases.push_back({"save sectioned user bank", "reference: sectioned user file", false,
+                     SectionedCatalogue, [](const SizeData& d, CaseState& s) {
+                         Require(
+                             s.io.SaveIMMUserDatabase(d.saveSectioned.c_str(), s.catalogue.get()),
+                             "sectioned save failed");
+                         return Work{FileBytes(d.saveSectioned), Loaded(s)};
+                     }});
+    cases.push_back(
+        {"save legacy user bank", "reference: legacy user file", false, LegacyCatalogue,
+         [](const SizeData& d, CaseState& s) {
+             Require(s.io.SaveOldIMMUserDatabase(d.saveLegacyFolder.c_str(), s.catalogue.get()),
+                     "legacy save failed");
+             return Work{FileBytes(d.saveLegacyFile), Loaded(s)};
+         }});
+    cases.push_back(
+        {"walk by global index", "", false, SectionedCatalogue, [](const SizeData&, CaseState& s) {
+             CQZRIM machine;
+             const int total = s.catalogue->GetTotalMachine();
+             uint64_t got = 0;
+             for (int index = 0; index < total; ++index) {
+                 got += s.catalogue->GetCurrentMachine(index, machine) ? 1 : 0;
+             }
+             return Work{0, got};
+         }});
+    cases.push_back({"name check (whole catalogue)", "", false, SectionedCatalogue,
+                     [](const SizeData&, CaseState& s) {
+                         // A name no machine has: the check walks every machine.
+                         const bool found =
+                             s.catalogue->IsMachineNameExist("Nobody Makes - This 0");
+                         Require(!found, "name check found a name nobody has");
+                         return Work{0, Loaded(s)};
+                     }});
+    return cases;
+}
+
+// Saves need a target that does not exist yet, so that every save is a first save (a save over
+// an existing bank first copies it to its ".bak"); loads need an empty catalogue.
+void ResetBetweenRuns(const Case& c, const SizeData& data, CaseState& state) {
+    if (c.name.rfind("load", 0) == 0) {
+        state.catalogue = std::make_unique<CQZRMoldingMachineCtrl>();
+    } else if (c.name == "save sectioned user bank") {
+        std::remove(data.saveSectioned.c_str());
+    } else if (c.name == "save legacy user bank") {
+        std::remove(data.saveLegacyFile.c_str());
+    }
+}
+
+// -------------------------------------------------------------------------------------------
+// Memory: each case runs once in a child process of its own. The child sets the case up, then
+// notes the heap in use and resets the kernel's RSS high-water mark (/proc/self/clear_refs),
+// runs the operation, and reports the heap's high-water mark above that start (operator new
+// accounting), what stays in use afterwards (the catalogue a load made), and the growth of
+// VmHWM over VmRSS at the start.
+
+struct MemoryResult {
+    bool valid = false;
+    double peakHeap = 0;      // bytes above the start, at the highest point
+    double retainedHeap = 0;  // bytes above the start, after the operation
+    double rssGrowth = 0;     // VmHWM after the operation minus VmRSS before it
+};
+
+long long StatusKiB(const char* field) {
+    FILE* status = std::fopen("/proc/self/status", "r");
+    if (status == nullptr) {
+        return -1;
+    }
+    char line[256];
+    long long value = -1;
+    const std::size_t length = std::strlen(field);
+    while (std::fgets(line, sizeof(line), status) != nullptr) {
+        if (std::strncmp(line, field, length) == 0 && line[length] == ':') {
+            value = std::atoll(line + length + 1);
+            break;
+        }
+    }
+    std::fclose(status);
+    return value;
+}
+
+void ResetRssHighWater() {
+    const int fd = ::open("/proc/self/clear_refs", O_WRONLY | O_CLOEXEC);
+    if (fd >= 0) {
+        const ssize_t ignored = ::write(fd, "5", 1);
+        (void)ignored;
+        ::close(fd);
+    }
+}
+
+MemoryResult MemoryProbe(const Case& c, const SizeData& data) {
+    int pipeFds[2];
+    MemoryResult result;
+    if (::pipe(pipeFds) != 0) {
+        return result;
+    }
+    std::fflush(nullptr);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::close(pipeFds[0]);
+        CaseState state;
+        c.setup(data, state);
+        ResetBetweenRuns(c, data, state);
+        malloc_trim(0);
+        const long long startHeap = g_liveBytes.load();
+        g_peakBytes.store(startHeap);
+        ResetRssHighWater();
+        const long long startRss = StatusKiB("VmRSS");
+        c.run(data, state);
+        MemoryResult measured;
+        measured.valid = true;
+        measured.peakHeap = static_cast<double>(g_peakBytes.load() - startHeap);
+        measured.retainedHeap = static_cast<double>(g_liveBytes.load() - startHeap);
+        measured.rssGrowth = static_cast<double>(StatusKiB("VmHWM") - startRss) * 1024.0;
+        const ssize_t ignored = ::write(pipeFds[1], &measured, sizeof(measured));
+        (void)ignored;
+        ::_exit(0);
+    }
+    ::close(pipeFds[1]);
+    if (child > 0) {
+        if (::read(pipeFds[0], &result, sizeof(result)) != static_cast<ssize_t>(sizeof(result))) {
+            result = MemoryResult();
+        }
+        int status = 0;
+        ::waitpid(child, &status, 0);
+    }
+    ::close(pipeFds[0]);
+    return result;
+}
+
+// -------------------------------------------------------------------------------------------
+// Timing.
+
+struct Timed {
+    double seconds = 0;  // median per operation
+    Work work;
+    MemoryResult memory;
+};
+
+std::map<std::string, Timed> g_results;  // by benchmark name
+
+std::string BenchmarkName(const Case& c, std::size_t n) {
+    std::string name = c.name;
+    for (char& ch : name) {
+        if (ch == ' ' || ch == ':' || ch == '(' || ch == ')') {
+            ch = '_';
+        }
+    }
+    return name + "/" + std::to_string(n);
+}
+
+class MedianCollector : public benchmark::ConsoleReporter {
+  public:
+    MedianCollector() : ConsoleReporter(::isatty(STDOUT_FILENO) ? OO_Defaults : OO_Tabular) {}
+    void ReportRuns(const std::vector<Run>& runs) override {
+        for (const Run& run : runs) {
+            if (run.run_type == Run::RT_Aggregate && run.aggregate_name == "median") {
+                double seconds = run.GetAdjustedRealTime();
+                switch (run.time_unit) {
+                    case benchmark::kNanosecond:
+                        seconds *= 1e-9;
+                        break;
+                    case benchmark::kMicrosecond:
+                        seconds *= 1e-6;
+                        break;
+                    case benchmark::kMillisecond:
+                        seconds *= 1e-3;
+                        break;
+                    case benchmark::kSecond:
+                        break;
+                }
+                g_results[run.run_name.function_name].seconds = seconds;
+            }
+        }
+        ConsoleReporter::ReportRuns(runs);
+    }
+};
+
+void RegisterCase(const Case& c, const SizeData& data, const Options& options) {
+    const std::string name = BenchmarkName(c, data.n);
+    benchmark::RegisterBenchmark(
+        name.c_str(),
+        [c, &data, name](benchmark::State& st) {
+            CaseState state;
+            c.setup(data, state);
+            Work work;
+            for (auto _ : st) {
+                ResetBetweenRuns(c, data, state);
+                const Clock::time_point start = Clock::now();
+                work = c.run(data, state);
+                const Clock::time_point end = Clock::now();
+                st.SetIterationTime(std::chrono::duration<double>(end - start).count());
+            }
+            g_results[name].work = work;
+            st.counters["machines"] = static_cast<double>(work.machines);
+        })
+        ->UseManualTime()
+        ->Unit(benchmark::kMillisecond)
+        ->Repetitions(options.repetitions)
+        ->ReportAggregatesOnly(true)
+        ->MinTime(options.minTime);
+}
+
+// -------------------------------------------------------------------------------------------
+// The table.
+
+std::string Fixed(double value, int decimals) {
+    char text[64];
+    std::snprintf(text, sizeof(text), "%.*f", decimals, value);
+    return text;
+}
+
+std::string Rate(double perSecond) {
+    if (perSecond <= 0) {
+        return "-";
+    }
+    if (perSecond >= 1e6) {
+        return Fixed(perSecond / 1e6, 2) + "M";
+    }
+    return Fixed(perSecond / 1e3, 1) + "k";
+}
+
+// What each case must reach, as text and as a check on its results.
+struct Target {
+    const char* text;
+    std::function<bool(const Timed& timed, double ratio)> holds;
+};
+
+Target TargetOf(const std::string& caseName) {
+    if (caseName.rfind("load sectioned", 0) == 0) {
+        return {"<= 8x ref", [](const Timed&, double ratio) { return ratio > 0 && ratio <= 8.0; }};
+    }
+    if (caseName == "load legacy user bank") {
+        return {">= 2M rows/s", [](const Timed& t, double) {
+                    return t.seconds > 0 && t.work.machines / t.seconds >= 2e6;
+                }};
+    }
+    if (caseName.rfind("save", 0) == 0) {
+        return {"<= 6x ref", [](const Timed&, double ratio) { return ratio > 0 && ratio <= 6.0; }};
+    }
+    return {"linear", [](const Timed&, double) { return true; }};
+}
+
+// Loads: the peak stays within the finished catalogue plus the file's size. Saves: within
+// 1 MiB above the catalogue they start from.
+std::string MemoryVerdict(const std::string& caseName, const Timed& timed) {
+    if (!timed.memory.valid) {
+        return "-";
+    }
+    if (caseName.rfind("load", 0) == 0) {
+        return timed.memory.peakHeap <= timed.memory.retainedHeap + timed.work.bytes ? "yes" : "NO";
+    }
+    if (caseName.rfind("save", 0) == 0) {
+        return timed.memory.peakHeap <= kMiB ? "yes" : "NO";
+    }
+    return "-";
+}
+
+void PrintTable(const std::vector<Case>& cases, const std::vector<SizeData>& sizes) {
+    std::printf("\n%-30s %7s %10s %9s %10s %8s %7s %-13s %4s %9s %9s %9s %9s %4s\n", "case", "N",
+                "median ms", "MB/s", "machines/s", "ref ms", "x ref", "target", "met", "peak MiB",
+                "kept MiB", "file MiB", "RSS+ MiB", "mem");
+    for (const Case& c : cases) {
+        for (const SizeData& data : sizes) {
+            const auto found = g_results.find(BenchmarkName(c, data.n));
+            if (found == g_results.end()) {
+                continue;
+            }
+            const Timed& t = found->second;
+            double referenceSeconds = 0;
+            if (!c.referenceName.empty()) {
+                for (const Case& r : cases) {
+                    if (r.name == c.referenceName) {
+                        const auto ref = g_results.find(BenchmarkName(r, data.n));
+                        if (ref != g_results.end()) {
+                            referenceSeconds = ref->second.seconds;
+                        }
+                    }
+                }
+            }
+            const double ratio = referenceSeconds > 0 ? t.seconds / referenceSeconds : 0;
+            const double mbs =
+                t.work.bytes > 0 && t.seconds > 0 ? t.work.bytes / kMiB / t.seconds : 0;
+            const double perSecond =
+                !c.isReference && t.seconds > 0 ? t.work.machines / t.seconds : 0;
+            const Target target = c.isReference ? Target{"", nullptr} : TargetOf(c.name);
+            const std::string met = target.holds ? (target.holds(t, ratio) ? "yes" : "NO") : "";
+            std::printf("%-30s %7zu %10s %9s %10s %8s %7s %-13s %4s %9s %9s %9s %9s %4s\n",
+                        c.name.c_str(), data.n, Fixed(t.seconds * 1e3, 3).c_str(),
+                        mbs > 0 ? Fixed(mbs, 0).c_str() : "-", Rate(perSecond).c_str(),
+                        referenceSeconds > 0 ? Fixed(referenceSeconds * 1e3, 3).c_str() : "-",
+                        ratio > 0 ? Fixed(ratio, 2).c_str() : "-", target.text, met.c_str(),
+                        t.memory.valid ? Fixed(t.memory.peakHeap / kMiB, 1).c_str() : "-",
+                        t.memory.valid ? Fixed(t.memory.retainedHeap / kMiB, 1).c_str() : "-",
+                        t.work.bytes > 0 ? Fixed(t.work.bytes / kMiB, 1).c_str() : "-",
+                        t.memory.valid ? Fixed(t.memory.rssGrowth / kMiB, 1).c_str() : "-",
+                        MemoryVerdict(c.name, t).c_str());
+        }
+    }
+    std::printf(
+        "\nmedian ms: median of the repetitions, one operation. x ref: time over the reference "
+        "pass on the same file(s), same N.\npeak MiB: heap high-water mark above the start of "
+        "the operation (operator new accounting, one run in a child process);\nkept MiB: heap "
+        "still in use after it (for a load, the catalogue); RSS+ MiB: VmHWM growth over VmRSS "
+        "at the start.\nmem: a load peaks at most at catalogue + file size, a save at most 1 "
+        "MiB above the catalogue it starts from.\nSectioned loads read at most %zu machine "
+        "sections of one file.\n",
+        kMaxSectionsPerFile);
+}
+
+Options ParseOptions(int* argc, char** argv) {
+    Options options;
+    int kept = 1;
+    for (int i = 1; i < *argc; ++i) {
+        const std::string arg = argv[i];
+        auto value = [&arg](const char* flag) -> const char* {
+            const std::size_t length = std::strlen(flag);
+            return arg.compare(0, length, flag) == 0 ? arg.c_str() + length : nullptr;
+        };
+        if (const char* sizes = value("--sizes=")) {
+            options.sizes.clear();
+            for (const char* p = sizes; *p != '\0';) {
+                char* end = nullptr;
+                options.sizes.push_back(std::strtoull(p, &end, 10));
+                p = *end == ',' ? end + 1 : end;
+                if (end == p && *p != '\0') {
+                    break;
+                }
+            }
+        } else if (const char* dir = value("--data=")) {
+            options.dataDir = dir;
+        } else if (const char* reps = value("--repetitions=")) {
+            options.repetitions = std::max(1, std::atoi(reps));
+        } else if (const char* minTime = value("--min-time=")) {
+            options.minTime = std::atof(minTime);
+        } else if (arg == "--no-memory") {
+            options.memory = false;
+        } else {
+            argv[kept++] = argv[i];
+        }
+    }
+    *argc = kept;
+    if (options.dataDir.empty()) {
+        options.dataDir = (fs::temp_directory_path() / "qzr-bench-data").string();
+    }
+    return options;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const Options options = ParseOptions(&argc, argv);
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
+        return 1;
+    }
+
+    std::vector<SizeData> sizes;
+    for (const std::size_t n : options.sizes) {
+        std::fprintf(stderr, "preparing %zu machines in %s\n", n, options.dataDir.c_str());
+        sizes.push_back(PrepareSize(options.dataDir, n));
+    }
+    const std::vector<Case> cases = Cases();
+
+    // Memory first, from a parent that holds nothing big yet.
+    std::map<std::string, MemoryResult> memory;
+    if (options.memory) {
+        for (const Case& c : cases) {
+            for (const SizeData& data : sizes) {
+                if (!c.isReference) {
+                    memory[BenchmarkName(c, data.n)] = MemoryProbe(c, data);
+                }
+            }
+        }
+    }
+
+    for (const Case& c : cases) {
+        for (const SizeData& data : sizes) {
+            RegisterCase(c, data, options);
+        }
+    }
+    MedianCollector reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    for (auto& [name, result] : memory) {
+        g_results[name].memory = result;
+    }
+    PrintTable(cases, sizes);
+    benchmark::Shutdown();
+    return 0;
+}
