@@ -1,13 +1,12 @@
-// Tables of every attribute of the machine records, for the records tests: how to set and show
-// it, its default, and whether a difference in it changes each identity comparison. Copies,
-// defaults and comparisons are then checked row by row instead of by hand-written lists that
-// could miss a field.
+// Every attribute of the machine records as a table row: its default and whether a difference in
+// it alone changes each identity comparison. Defaults, copies and comparisons are checked row by
+// row, so no hand-written list can miss a field.
 #ifndef QZR_TESTS_RECORDS_RECORDATTRIBUTES_H
 #define QZR_TESTS_RECORDS_RECORDATTRIBUTES_H
 
 #include <charconv>
 #include <string>
-#include <utility>
+#include <type_traits>
 #include <vector>
 
 #include <QZRMachine/QZRIM.h>
@@ -15,230 +14,112 @@
 
 namespace qzr::records::testing {
 
-enum class Kind { Int, Real, Text };
+// clang-format off
+inline std::string Str(int value) { return std::to_string(value); }
+inline std::string Str(const char* text) { return text; }
+inline std::string Str(double value) {  // the shortest text that reads back the same
+    char text[64];
+    return std::string(text, std::to_chars(text, text + sizeof text, value).ptr);
+}
+// clang-format on
 
-// Whether a difference in the attribute makes the comparison answer false.
-struct Affects {
-    bool full;    // IsMachineIdentity
-    bool simple;  // IsSimpleMachineIdentity
-    bool name;    // IsNameIdentity
+// A value any setter takes: the number for numbers, a text made from it (or given) for texts.
+struct Value {
+    explicit Value(double n) : number(n), storage("v" + Str(n) + " x"), text(storage.c_str()) {}
+    explicit Value(const char* given) : text(given) {}
+    Value(const Value&) = delete;
+    operator int() const { return static_cast<int>(number); }
+    operator double() const { return number; }
+    operator const char*() const { return text; }
+    double number = 0;
+    std::string storage;
+    const char* text;
 };
+
+enum class Kind { Int, Real, Text };
+template <class T>
+constexpr Kind KindOf() {
+    return std::is_same_v<T, int> ? Kind::Int : std::is_same_v<T, double> ? Kind::Real : Kind::Text;
+}
 
 template <class Record>
 struct Attribute {
     const char* name;
+    const char* defaultValue;  // as Str shows it
+    // The comparisons a difference in it alone turns false: 'f' IsMachineIdentity, 's'
+    // IsSimpleMachineIdentity, 'n' IsNameIdentity.
+    const char* affects;
     Kind kind;
-    const char* defaultValue;  // as Show prints it
-    Affects affects;
-    void (*setInt)(Record&, int);
-    int (*getInt)(const Record&);
-    void (*setReal)(Record&, double);
-    double (*getReal)(const Record&);
-    void (*setText)(Record&, const char*);
-    const char* (*getText)(const Record&);
+    void (*set)(Record&, const Value&);
+    std::string (*show)(const Record&);
 };
 
-// The shortest text that reads back as the same double ("0.01", "2500", "-0", "nan").
-inline std::string ShortestText(double value) {
-    char text[64];
-    const std::to_chars_result result = std::to_chars(text, text + sizeof text, value);
-    return std::string(text, result.ptr);
-}
+// clang-format off
+#define QZR_A(Name, dflt, affects)                                                  \
+    Attribute<R>{#Name, dflt, affects, KindOf<decltype(R().Get##Name())>(),          \
+                 [](R& r, const Value& v) { r.Set##Name(v); },                       \
+                 [](const R& r) { return Str(r.Get##Name()); }}
+#define QZR_NOZZLE(Member)                                                           \
+    Attribute<R>{"Nozzle." #Member, "0", "", KindOf<decltype(NozzleSpecification::Member)>(), \
+                 [](R& r, const Value& v) { r.GetNozzleSpecification().Member = v; },  \
+                 [](const R& r) { return Str(r.GetNozzleSpecification().Member); }}
 
-template <class Record>
-std::string Show(const Attribute<Record>& attribute, const Record& record) {
-    switch (attribute.kind) {
-        case Kind::Int:
-            return std::to_string(attribute.getInt(record));
-        case Kind::Real:
-            return ShortestText(attribute.getReal(record));
-        case Kind::Text:
-            return attribute.getText(record);
+template <class R>
+std::vector<Attribute<R>> Table() {
+    constexpr bool im = std::is_same_v<R, CQZRIM>;
+    std::vector<Attribute<R>> table = {
+        QZR_A(MakerID, "-1", ""), QZR_A(MachineID, "-1", ""), QZR_A(GradeID, "-1", ""),
+        QZR_A(ControllerID, "0", ""), QZR_A(ControllerGrade, "", ""), QZR_A(Maker, "", "fsn"),
+        QZR_A(Grade, "", "fsn"), QZR_A(LastModifiedDate, "", ""),
+        QZR_A(Remark, "", im ? "f" : "")};  // only the injection-moulding full comparison
+    if constexpr (im) {
+        table.insert(table.end(), {
+            QZR_A(ScrewType, "", ""), QZR_A(ShotWeight, "0", "fs"), QZR_A(ShotVolume, "0", "f"),
+            QZR_A(InjectionPressure, "0", "fs"), QZR_A(HoldingPressure, "0", "f"),
+            QZR_A(InjectionRate, "0", "fs"), QZR_A(InjectionSpeed, "0", "f"),
+            QZR_A(ScrewDiameter, "0", "fs"), QZR_A(ScrewStroke, "0", "fs"),
+            QZR_A(ScrewSpeed, "0", "f"), QZR_A(PlasticationRate, "0", "f"),
+            QZR_A(NozzleContactForce, "0", "f"), QZR_A(NozzleStroke, "0", "f"),
+            QZR_A(HeaterWattage, "0", "f"), QZR_A(TemperatureControlZone, "0", "f"),
+            QZR_A(ClampingForce, "0", "fs"), QZR_A(OpeningStroke, "0", "f"),
+            QZR_A(MaxDaylight, "0", "f"), QZR_A(MoldHeight, "0", "f"),
+            QZR_A(DistanceBetweenTieBars, "0x0", "f"), QZR_A(PlatenSize, "0x0", "f"),
+            QZR_A(EjectorPoint, "0", "f"), QZR_A(EjectorForce, "0", "f"),
+            QZR_A(EjectorStroke, "0", "f"), QZR_A(MachineWeight, "0", "f"),
+            QZR_A(MachineDimension, "0x0x0", "f"), QZR_A(TimeConstFR, "0.01", ""),
+            QZR_A(TimeConstIP, "0.1", ""), QZR_A(NozzleVolume, "0", "s"),
+            QZR_A(MaxPressureSlope, "2500", "s"), QZR_A(MachineEnergyType, "0", ""),
+            QZR_A(HydraulicPressureTransferFactor, "1", ""), QZR_NOZZLE(Type), QZR_NOZZLE(Value1),
+            QZR_NOZZLE(Value2), QZR_NOZZLE(Value3), QZR_NOZZLE(Value4), QZR_NOZZLE(Value5),
+            QZR_NOZZLE(Value6)});
+    } else if constexpr (std::is_same_v<R, CQZRRTM>) {  // a transfer press compares the same data in its full and its key-data comparison
+        table.insert(table.end(), {
+            QZR_A(TransferPressure, "0", "fs"), QZR_A(PlungerStroke, "0", "fs"),
+            QZR_A(PlungerDiameter, "0", "fs"), QZR_A(PlungerSpeed, "0", "fs"),
+            QZR_A(TransferRate, "0", ""), QZR_A(TransferForce, "0", ""),
+            QZR_A(ShotWeight, "0", "fs"), QZR_A(ShotVolume, "0", "fs"),
+            QZR_A(ClampingForce, "0", "fs")});
     }
-    return {};
+    return table;
+}
+// clang-format on
+#undef QZR_A
+#undef QZR_NOZZLE
+
+// A value of the attribute's own (by row and variant), never a default.
+inline double Number(size_t row, int variant) {
+    return 1000.0 * static_cast<double>(row + 1) + variant + 0.25;
 }
 
-// A value unique to the attribute (by its row) and the variant, and never a default.
-template <class Record>
-void SetVariant(const Attribute<Record>& attribute, Record& record, int row, int variant) {
-    const int number = 1000 * (row + 1) + variant;
-    switch (attribute.kind) {
-        case Kind::Int:
-            attribute.setInt(record, -number);
-            return;
-        case Kind::Real:
-            attribute.setReal(record, number + 0.25);
-            return;
-        case Kind::Text: {
-            const std::string text = "v" + std::to_string(number) + " x";
-            attribute.setText(record, text.c_str());
-            return;
-        }
-    }
-}
-
-template <class Record>
-void FillAll(const std::vector<Attribute<Record>>& table, Record& record, int variant) {
+template <class R>
+R Filled(int variant) {
+    R record;
+    const std::vector<Attribute<R>> table = Table<R>();
     for (size_t row = 0; row < table.size(); ++row) {
-        SetVariant(table[row], record, static_cast<int>(row), variant);
+        table[row].set(record, Value(Number(row, variant)));
     }
+    return record;
 }
-
-using Snapshot = std::vector<std::pair<std::string, std::string>>;
-
-// Every attribute of the record as name and value, the machine kind included.
-template <class Record>
-Snapshot TakeSnapshot(const std::vector<Attribute<Record>>& table, const Record& record) {
-    Snapshot snapshot;
-    snapshot.emplace_back("MachineType", std::to_string(record.GetMachineType()));
-    for (const Attribute<Record>& attribute : table) {
-        snapshot.emplace_back(attribute.name, Show(attribute, record));
-    }
-    return snapshot;
-}
-
-#define QZR_INT(Record, Name, dflt, full, simple, nm)                                            \
-    Attribute<Record> {                                                                          \
-#Name, Kind::Int, dflt,                                                                  \
-            {full, simple, nm },                                                                 \
-             [](Record & r,                                                                      \
-                int v) { r.Set##Name(v); }, [](const Record& r) { return r.Get##Name(); },       \
-                                                                                        nullptr, \
-                                                                                        nullptr, \
-                                                                                        nullptr, \
-                                                                                        nullptr  \
-    }
-#define QZR_REAL(Record, Name, dflt, full, simple, nm)                                           \
-    Attribute<Record> {                                                                          \
-#Name, Kind::Real, dflt,                                                                 \
-            {full, simple, nm }, nullptr, nullptr,                                               \
-             [](Record & r,                                                                      \
-                double v) { r.Set##Name(v); },                                                   \
-                                            [](const Record& r) { return r.Get##Name(); },       \
-                                                                                        nullptr, \
-                                                                                        nullptr  \
-    }
-#define QZR_TEXT(Record, Name, dflt, full, simple, nm)                                            \
-    Attribute<Record> {                                                                           \
-#Name, Kind::Text, dflt,                                                                  \
-            {full, simple, nm }, nullptr, nullptr, nullptr, nullptr,                              \
-             [](Record & r,                                                                       \
-                const char* v) { r.Set##Name(v); }, [](const Record& r) { return r.Get##Name(); } \
-    }
-#define QZR_NOZZLE_INT(Member)                                                                   \
-    Attribute<CQZRIM> {                                                                          \
-        "Nozzle." #Member, Kind::Int, "0", {false, false, false},                                \
-            [](CQZRIM& r, int v) { r.GetNozzleSpecification().Member = v; },                     \
-            [](const CQZRIM& r) { return r.GetNozzleSpecification().Member; }, nullptr, nullptr, \
-            nullptr, nullptr                                                                     \
-    }
-#define QZR_NOZZLE_REAL(Member)                                                                 \
-    Attribute<CQZRIM> {                                                                         \
-        "Nozzle." #Member, Kind::Real, "0", {false, false, false}, nullptr, nullptr,            \
-            [](CQZRIM& r, double v) { r.GetNozzleSpecification().Member = v; },                 \
-            [](const CQZRIM& r) { return r.GetNozzleSpecification().Member; }, nullptr, nullptr \
-    }
-
-// The base part, with the remark's effect given by the class: only the full comparison of an
-// injection-moulding record looks at it.
-template <class Record>
-std::vector<Attribute<Record>> BaseAttributes(Affects remark) {
-    return {
-        QZR_INT(Record, MakerID, "-1", false, false, false),
-        QZR_INT(Record, MachineID, "-1", false, false, false),
-        QZR_INT(Record, GradeID, "-1", false, false, false),
-        QZR_INT(Record, ControllerID, "0", false, false, false),
-        QZR_TEXT(Record, ControllerGrade, "", false, false, false),
-        QZR_TEXT(Record, Maker, "", true, true, true),
-        QZR_TEXT(Record, Grade, "", true, true, true),
-        QZR_TEXT(Record, LastModifiedDate, "", false, false, false),
-        QZR_TEXT(Record, Remark, "", remark.full, remark.simple, remark.name),
-    };
-}
-
-inline std::vector<Attribute<CQZRIM>> InjectionAttributes() {
-    std::vector<Attribute<CQZRIM>> table = BaseAttributes<CQZRIM>({true, false, false});
-    const std::vector<Attribute<CQZRIM>> own = {
-        QZR_TEXT(CQZRIM, ScrewType, "", false, false, false),
-        QZR_REAL(CQZRIM, ShotWeight, "0", true, true, false),
-        QZR_REAL(CQZRIM, ShotVolume, "0", true, false, false),
-        QZR_REAL(CQZRIM, InjectionPressure, "0", true, true, false),
-        QZR_REAL(CQZRIM, HoldingPressure, "0", true, false, false),
-        QZR_REAL(CQZRIM, InjectionRate, "0", true, true, false),
-        QZR_REAL(CQZRIM, InjectionSpeed, "0", true, false, false),
-        QZR_REAL(CQZRIM, ScrewDiameter, "0", true, true, false),
-        QZR_REAL(CQZRIM, ScrewStroke, "0", true, true, false),
-        QZR_REAL(CQZRIM, ScrewSpeed, "0", true, false, false),
-        QZR_REAL(CQZRIM, PlasticationRate, "0", true, false, false),
-        QZR_REAL(CQZRIM, NozzleContactForce, "0", true, false, false),
-        QZR_REAL(CQZRIM, NozzleStroke, "0", true, false, false),
-        QZR_REAL(CQZRIM, HeaterWattage, "0", true, false, false),
-        QZR_INT(CQZRIM, TemperatureControlZone, "0", true, false, false),
-        QZR_REAL(CQZRIM, ClampingForce, "0", true, true, false),
-        QZR_REAL(CQZRIM, OpeningStroke, "0", true, false, false),
-        QZR_REAL(CQZRIM, MaxDaylight, "0", true, false, false),
-        QZR_REAL(CQZRIM, MoldHeight, "0", true, false, false),
-        QZR_TEXT(CQZRIM, DistanceBetweenTieBars, "0x0", true, false, false),
-        QZR_TEXT(CQZRIM, PlatenSize, "0x0", true, false, false),
-        QZR_INT(CQZRIM, EjectorPoint, "0", true, false, false),
-        QZR_REAL(CQZRIM, EjectorForce, "0", true, false, false),
-        QZR_REAL(CQZRIM, EjectorStroke, "0", true, false, false),
-        QZR_REAL(CQZRIM, MachineWeight, "0", true, false, false),
-        QZR_TEXT(CQZRIM, MachineDimension, "0x0x0", true, false, false),
-        QZR_REAL(CQZRIM, TimeConstFR, "0.01", false, false, false),
-        QZR_REAL(CQZRIM, TimeConstIP, "0.1", false, false, false),
-        QZR_REAL(CQZRIM, NozzleVolume, "0", false, true, false),
-        QZR_REAL(CQZRIM, MaxPressureSlope, "2500", false, true, false),
-        QZR_INT(CQZRIM, MachineEnergyType, "0", false, false, false),
-        QZR_REAL(CQZRIM, HydraulicPressureTransferFactor, "1", false, false, false),
-        QZR_NOZZLE_INT(Type),
-        QZR_NOZZLE_REAL(Value1),
-        QZR_NOZZLE_REAL(Value2),
-        QZR_NOZZLE_REAL(Value3),
-        QZR_NOZZLE_REAL(Value4),
-        QZR_NOZZLE_REAL(Value5),
-        QZR_NOZZLE_REAL(Value6),
-    };
-    table.insert(table.end(), own.begin(), own.end());
-    return table;
-}
-
-// A transfer press compares the same data in its full and its key-data comparison.
-inline std::vector<Attribute<CQZRRTM>> TransferAttributes() {
-    std::vector<Attribute<CQZRRTM>> table = BaseAttributes<CQZRRTM>({false, false, false});
-    const std::vector<Attribute<CQZRRTM>> own = {
-        QZR_REAL(CQZRRTM, TransferPressure, "0", true, true, false),
-        QZR_REAL(CQZRRTM, PlungerStroke, "0", true, true, false),
-        QZR_REAL(CQZRRTM, PlungerDiameter, "0", true, true, false),
-        QZR_REAL(CQZRRTM, PlungerSpeed, "0", true, true, false),
-        QZR_REAL(CQZRRTM, TransferRate, "0", false, false, false),
-        QZR_REAL(CQZRRTM, TransferForce, "0", false, false, false),
-        QZR_REAL(CQZRRTM, ShotWeight, "0", true, true, false),
-        QZR_REAL(CQZRRTM, ShotVolume, "0", true, true, false),
-        QZR_REAL(CQZRRTM, ClampingForce, "0", true, true, false),
-    };
-    table.insert(table.end(), own.begin(), own.end());
-    return table;
-}
-
-#undef QZR_INT
-#undef QZR_REAL
-#undef QZR_TEXT
-#undef QZR_NOZZLE_INT
-#undef QZR_NOZZLE_REAL
-
-// The records with their protected members opened up, for the kind and the name rule.
-class OpenIM : public CQZRIM {
-  public:
-    using CQZRMoldingMachine::IsConsistent;
-    using CQZRMoldingMachine::SetMachineType;
-};
-
-class OpenMachine : public CQZRMoldingMachine {
-  public:
-    using CQZRMoldingMachine::IsConsistent;
-    using CQZRMoldingMachine::SetMachineType;
-};
 
 }  // namespace qzr::records::testing
 
