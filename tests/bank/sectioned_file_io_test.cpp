@@ -6,157 +6,90 @@
 #include <vector>
 
 #include "bank/sectioned/QZRFileIO.h"
-#include "sectioned_test_support.h"
+#include "bank_test_support.h"
 
 namespace {
 
 using namespace std::string_literals;
-using qzr::sectioned::testing::JoinLines;
-using qzr::sectioned::testing::ScratchFolder;
+using qzr::bank::testing::Lines;
+using qzr::bank::testing::TempFolder;
 
 struct LookupRow {
     const char* label;
     std::string content;
     const char* section;
     const char* key;
-    int result;
-    std::string value;  // checked when found
+    std::string expected;  // "1:value", or the result code
 };
 
+std::string Lookup(const CQZRFileIO& file, const char* section, const char* key) {
+    const char* value = "untouched";
+    const int result = file.GetKeyString(section, key, &value);
+    return result == CQZRFileIO::kFound ? "1:" + std::string(value)
+                                        : std::to_string(result) + ":" + value;
+}
+
 TEST(SectionedFileIO, LookupTable) {
-    const std::string longLine = "Remark = " + std::string(600 - 9, 'r');
-    const std::string splitKey = std::string(511, 'x') + "Grade = continued";
+    const char* m1 = "[Machine-1]";
     const std::vector<LookupRow> rows = {
-        {"plain entry", JoinLines({"[Machine-1]", "Maker = Harlow"}), "[Machine-1]", "Maker", 1,
-         "Harlow"},
-        {"LF line ends", JoinLines({"[Machine-1]", "Maker = Harlow"}, "\n"), "[Machine-1]", "Maker",
-         1, "Harlow"},
-        {"[Machine-1] is not found at [Machine-10]", JoinLines({"[Machine-10]", "Maker = Ten"}),
-         "[Machine-1]", "Maker", -1, ""},
-        {"[Machine-10] is not found at [Machine-1]", JoinLines({"[Machine-1]", "Maker = One"}),
-         "[Machine-10]", "Maker", -1, ""},
-        {"Maker does not match MakerID", JoinLines({"[Machine-1]", "MakerID = 3", "Maker = Real"}),
-         "[Machine-1]", "Maker", 1, "Real"},
-        {"tab between PlungerSpeed and =", JoinLines({"[Machine-1]", "PlungerSpeed\t = 1.5"}),
-         "[Machine-1]", "PlungerSpeed", 1, "1.5"},
-        {"Maker, eight spaces and a tab", JoinLines({"[Machine-1]", "Maker        \t = Ostrava"}),
-         "[Machine-1]", "Maker", 1, "Ostrava"},
-        {"second = stays in the value", JoinLines({"[Machine-1]", "Remark = a=b"}), "[Machine-1]",
-         "Remark", 1, "a=b"},
-        {"tab after = stays", JoinLines({"[Machine-1]", "Remark =\tindented"}), "[Machine-1]",
-         "Remark", 1, "\tindented"},
-        {"trailing blanks stay", JoinLines({"[Machine-1]", "Remark = spaced  \t"}), "[Machine-1]",
-         "Remark", 1, "spaced  \t"},
-        {"nothing after =", JoinLines({"[Machine-1]", "Remark ="}), "[Machine-1]", "Remark", 1, ""},
-        {"key line without =", JoinLines({"[Machine-1]", "Remark"}), "[Machine-1]", "Remark", 1,
-         ""},
-        {"key right before =", JoinLines({"[Machine-1]", "Remark=tight"}), "[Machine-1]", "Remark",
-         1, "tight"},
-        {"[fileheader] does not open [FileHeader]", JoinLines({"[fileheader]", "Version = 9000"}),
-         "[FileHeader]", "Version", -1, ""},
-        {"entry that begins with spaces is no entry",
-         JoinLines({"[Machine-1]", "  Maker = Indented", "Maker = Second"}), "[Machine-1]", "Maker",
-         1, "Second"},
-        {"header with text after a space still opens",
-         JoinLines({"[Machine-1] old entry", "Maker = Harlow"}), "[Machine-1]", "Maker", 1,
-         "Harlow"},
-        {"header glued to text is another name", JoinLines({"[Machine-1]x", "Maker = Harlow"}),
-         "[Machine-1]", "Maker", -1, ""},
-        {"missing key taken from a later section",
-         JoinLines({"[Machine-1]", "Maker = A", "", "[Machine-2]", "Maker = B", "Remark = two"}),
-         "[Machine-1]", "Remark", 1, "two"},
-        {"first occurrence of a duplicated section opens the search",
-         JoinLines({"[Machine-1]", "Maker = First", "[Machine-1]", "Maker = Second"}),
-         "[Machine-1]", "Maker", 1, "First"},
-        {"the header line is not compared with the key", JoinLines({"Maker", "Maker = x"}), "Maker",
-         "Maker", 1, "x"},
-        {"key before its section is not seen",
-         JoinLines({"Maker = Early", "[Machine-1]", "Grade = G"}), "[Machine-1]", "Maker", -1, ""},
-        {"empty file", "", "[Machine-1]", "Maker", -1, ""},
-        {"no such section", JoinLines({"[Machine-2]", "Maker = B"}), "[Machine-1]", "Maker", -1,
-         ""},
-        {"line of 600 characters is cut at 511", JoinLines({"[Machine-1]", longLine}),
-         "[Machine-1]", "Remark", 1, std::string(511 - 9, 'r')},
-        {"rest of a long line is scanned as a line", JoinLines({"[Machine-1]", splitKey}),
-         "[Machine-1]", "Grade", 1, "continued"},
-        {"lone CR belongs to the value", "[Machine-1]\r\nMaker = Harlow\r\r\n", "[Machine-1]",
-         "Maker", 1, "Harlow\r"},
-        {"Ctrl-Z ends the file", "[Machine-1]\r\n\x1aMaker = Hidden\r\n", "[Machine-1]", "Maker",
-         -1, ""},
-        {"NUL ends the line text", "[Machine-1]\r\nMaker = Ha\0rlow\r\n"s, "[Machine-1]", "Maker",
-         1, "Ha"},
-        {"no section name given", JoinLines({"[Machine-1]", "Maker = A"}), nullptr, "Maker", -1,
-         ""},
-        {"no key given", JoinLines({"[Machine-1]", "Maker = A"}), "[Machine-1]", nullptr, -1, ""},
+        {"plain entry", Lines({m1, "Maker = Harlow"}), m1, "Maker", "1:Harlow"},
+        {"LF line ends", Lines({m1, "Maker = Harlow"}, "\n"), m1, "Maker", "1:Harlow"},
+        {"[Machine-1] is not [Machine-10]", Lines({"[Machine-10]", "Maker = Ten"}), m1, "Maker",
+         "-1:untouched"},
+        {"Maker is not MakerID", Lines({m1, "MakerID = 3", "Maker = Real"}), m1, "Maker", "1:Real"},
+        {"tab before =", Lines({m1, "PlungerSpeed\t = 1.5"}), m1, "PlungerSpeed", "1:1.5"},
+        {"key glued to =, later = in the value", Lines({m1, "Remark=a=b"}), m1, "Remark", "1:a=b"},
+        {"only spaces are skipped before a value", Lines({m1, "Remark = \tin  "}), m1, "Remark",
+         "1:\tin  "},
+        {"nothing after =", Lines({m1, "Remark ="}), m1, "Remark", "1:"},
+        {"key line without =", Lines({m1, "Remark"}), m1, "Remark", "1:"},
+        {"section names are case-sensitive", Lines({"[fileheader]", "Version = 9000"}),
+         "[FileHeader]", "Version", "-1:untouched"},
+        {"an indented entry is no entry", Lines({m1, "  Maker = In", "Maker = Out"}), m1, "Maker",
+         "1:Out"},
+        {"header with text after a blank opens", Lines({"[Machine-1] old", "Maker = H"}), m1,
+         "Maker", "1:H"},
+        {"header glued to text is another name", Lines({"[Machine-1]x", "Maker = H"}), m1, "Maker",
+         "-1:untouched"},
+        {"key search runs past the next section",
+         Lines({m1, "Maker = A", "[Machine-2]", "Maker = B", "Remark = two"}), m1, "Remark",
+         "1:two"},
+        {"the first of a repeated section opens the search",
+         Lines({m1, "Maker = First", m1, "Maker = Second"}), m1, "Maker", "1:First"},
+        {"the header line is not compared with the key", Lines({"Maker", "Maker = x"}), "Maker",
+         "Maker", "1:x"},
+        {"key before its section", Lines({"Maker = Early", m1}), m1, "Maker", "-1:untouched"},
+        {"no such section", Lines({"[Machine-2]", "Maker = B"}), m1, "Maker", "-1:untouched"},
+        {"line cut at 511 characters", Lines({m1, "Remark = " + std::string(600, 'r')}), m1,
+         "Remark", "1:" + std::string(502, 'r')},
+        {"rest of a long line read as a line", Lines({m1, std::string(511, 'x') + "Grade = G"}), m1,
+         "Grade", "1:G"},
+        {"lone CR belongs to the value", "[Machine-1]\r\nMaker = H\r\r\n", m1, "Maker", "1:H\r"},
+        {"NUL ends the line", "[Machine-1]\r\nMaker = Ha\0rlow\r\n"s, m1, "Maker", "1:Ha"},
+        {"no section given", Lines({m1, "Maker = A"}), nullptr, "Maker", "-1:untouched"},
+        {"no key given", Lines({m1, "Maker = A"}), m1, nullptr, "-1:untouched"},
     };
-    ScratchFolder folder;
+    TempFolder folder;
     for (const LookupRow& row : rows) {
         SCOPED_TRACE(row.label);
-        const std::string path = folder.Write("lookup.bnk", row.content);
         CQZRFileIO file;
-        ASSERT_TRUE(file.OpenFile(path.c_str()));
-        const char* value = "untouched";
-        EXPECT_EQ(file.GetKeyString(row.section, row.key, &value), row.result);
-        if (row.result == 1) {
-            EXPECT_EQ(std::string(value), row.value);
-        } else {
-            EXPECT_STREQ(value, "untouched");
-        }
+        ASSERT_TRUE(file.OpenFile(folder.Write("lookup.bnk", row.content).c_str()));
+        EXPECT_EQ(Lookup(file, row.section, row.key), row.expected);
     }
 }
 
-TEST(SectionedFileIO, GetKeyIntParsesTheStartOfTheValue) {
-    struct IntRow {
-        const char* value;
-        int result;
-        int expected;
-        bool converted;
-    };
-    const IntRow rows[] = {
-        {"9000", 1, 9000, true}, {"9000abc", 1, 9000, true}, {"  -12", 1, -12, true},
-        {"+7", 1, 7, true},      {"abc", 1, 55, false},      {"", 1, 55, false},
-        {"\t42", 1, 42, true},   {"4.9", 1, 4, true},
-    };
-    ScratchFolder folder;
-    for (const IntRow& row : rows) {
-        SCOPED_TRACE(std::string("value '") + row.value + "'");
-        const std::string path = folder.Write(
-            "int.bnk", JoinLines({"[FileHeader]", std::string("Version = ") + row.value}));
-        CQZRFileIO file;
-        ASSERT_TRUE(file.OpenFile(path.c_str()));
-        int number = 55;
-        bool converted = !row.converted;
-        EXPECT_EQ(file.GetKeyInt("[FileHeader]", "Version", &number, &converted), row.result);
-        EXPECT_EQ(number, row.expected);
-        EXPECT_EQ(converted, row.converted);
-    }
-}
-
+// Every lookup reads the file as it is at that moment.
 TEST(SectionedFileIO, OpenFailuresAndChangesBetweenLookups) {
-    ScratchFolder folder;
+    TempFolder folder;
     CQZRFileIO file;
     EXPECT_FALSE(file.OpenFile(folder.File("missing.bnk").c_str()));
-    EXPECT_FALSE(file.OpenFile(nullptr));
-    const char* value = nullptr;
-    int number = 3;
-    EXPECT_EQ(file.GetKeyString("[Machine-1]", "Maker", &value), 0);
-    EXPECT_EQ(file.GetKeyInt("[Machine-1]", "Maker", &number), 0);
-    EXPECT_EQ(number, 3);
-
-    const std::string path = folder.Write("bank.bnk", JoinLines({"[Machine-1]", "Maker = A"}));
-    ASSERT_TRUE(file.OpenFile(path.c_str()));
-    ASSERT_EQ(file.GetKeyString("[Machine-1]", "Maker", &value), 1);
-    EXPECT_STREQ(value, "A");
-    // Nothing is cached: the next lookup sees the file as it is now.
-    folder.Write("bank.bnk", JoinLines({"[Machine-1]", "Maker = B"}));
-    ASSERT_EQ(file.GetKeyString("[Machine-1]", "Maker", &value), 1);
-    EXPECT_STREQ(value, "B");
-    std::filesystem::remove(path);
-    EXPECT_EQ(file.GetKeyString("[Machine-1]", "Maker", &value), 0);
-    // A failed OpenFile forgets the earlier path.
-    folder.Write("bank.bnk", JoinLines({"[Machine-1]", "Maker = C"}));
-    EXPECT_FALSE(file.OpenFile(folder.File("other.bnk").c_str()));
-    EXPECT_EQ(file.GetKeyString("[Machine-1]", "Maker", &value), 0);
+    EXPECT_EQ(Lookup(file, "[Machine-1]", "Maker"), "0:untouched");
+    ASSERT_TRUE(file.OpenFile(folder.Write("b.bnk", Lines({"[Machine-1]", "Maker = A"})).c_str()));
+    EXPECT_EQ(Lookup(file, "[Machine-1]", "Maker"), "1:A");
+    folder.Write("b.bnk", Lines({"[Machine-1]", "Maker = B"}));
+    EXPECT_EQ(Lookup(file, "[Machine-1]", "Maker"), "1:B");
+    EXPECT_FALSE(file.OpenFile(nullptr)) << "and the earlier path is forgotten";
+    EXPECT_EQ(Lookup(file, "[Machine-1]", "Maker"), "0:untouched");
 }
 
 }  // namespace
