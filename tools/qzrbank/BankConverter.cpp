@@ -1,0 +1,277 @@
+// qzrbank convert: a legacy bank to a sectioned injection-moulding user bank, or a sectioned
+// injection-moulding bank to a legacy user bank, through the library's loaders and writers.
+//
+// The two writers take their target differently: the sectioned save writes the full path it
+// is given, the legacy save writes "<folder>\Bank\user-pro.bnk" under the folder it is given.
+// The legacy bank is therefore written into a temporary folder beside OUT and moved to OUT;
+// an existing OUT is first copied to OUT.bak, as every save of the library keeps the file it
+// replaces.
+#include <filesystem>
+#include <random>
+#include <system_error>
+
+#include <QZRMachine/QZRMoldingMachineCtrl.h>
+#include <QZRMachine/QZRMoldingMachineIO.h>
+
+#include "BankChecker.h"
+#include "BankLoading.h"
+#include "BankText.h"
+#include "Commands.h"
+#include "MachineDetails.h"
+
+namespace qzrbank {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// A temporary folder that removes itself.
+class TemporaryFolder {
+  public:
+    explicit TemporaryFolder(const fs::path& parent) {
+        std::random_device random;
+        for (int attempt = 0; attempt < 16 && m_path.empty(); ++attempt) {
+            const fs::path candidate =
+                parent / (".qzrbank-convert-" + std::to_string(random()) + std::to_string(attempt));
+            std::error_code error;
+            if (fs::create_directory(candidate, error)) {
+                m_path = candidate;
+            }
+        }
+    }
+    ~TemporaryFolder() {
+        if (!m_path.empty()) {
+            std::error_code error;
+            fs::remove_all(m_path, error);
+        }
+    }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    const fs::path& Path() const { return m_path; }
+
+  private:
+    fs::path m_path;
+};
+
+struct Conversion {
+    bool toLegacy = false;
+    const char* targetName = nullptr;
+    BankKind targetKind = BankKind::NotABank;
+};
+
+bool SaveSectioned(const std::string& output, CQZRMoldingMachineCtrl* catalogue) {
+    CQZRMoldingMachineIO front;
+    return front.SaveIMMUserDatabase(output.c_str(), catalogue);
+}
+
+bool SaveLegacy(const std::string& output, CQZRMoldingMachineCtrl* catalogue, std::string* error) {
+    const fs::path target(NativePath(output));
+    const fs::path parent = target.has_parent_path() ? target.parent_path() : fs::path(".");
+    TemporaryFolder temporary(parent);
+    std::error_code code;
+    if (temporary.Path().empty() || !fs::create_directory(temporary.Path() / "Bank", code)) {
+        *error = "cannot make a temporary folder in " + parent.string();
+        return false;
+    }
+    CQZRMoldingMachineIO front;
+    const std::string folder = temporary.Path().string() + "/";
+    if (!front.SaveOldIMMUserDatabase(folder.c_str(), catalogue)) {
+        *error = "the legacy writer refused the catalogue";
+        return false;
+    }
+    if (fs::exists(target, code)) {
+        fs::copy_file(target, fs::path(target.string() + ".bak"),
+                      fs::copy_options::overwrite_existing, code);
+        if (code) {
+            *error = "cannot keep the previous file as " + target.string() + ".bak";
+            return false;
+        }
+    }
+    fs::rename(temporary.Path() / "Bank" / "user-pro.bnk", target, code);
+    if (code) {
+        *error = "cannot write " + target.string() + ": " + code.message();
+        return false;
+    }
+    return true;
+}
+
+std::string ValueWithUnit(const Attribute& attribute) {
+    return attribute.unit.empty() ? attribute.text : attribute.text + " " + attribute.unit;
+}
+
+bool CarriedBy(const Attribute& attribute, bool legacy) {
+    return legacy ? attribute.inLegacy : attribute.inSectioned;
+}
+
+// The attributes the source format carries and the target does not.
+std::string NotCarried(bool toLegacy) {
+    std::string names;
+    for (const Attribute& attribute : DescribeMachine(CQZRIM())) {
+        if (!attribute.catalogueNumber && CarriedBy(attribute, !toLegacy) &&
+            !CarriedBy(attribute, toLegacy)) {
+            names += (names.empty() ? "" : ", ") + attribute.name;
+        }
+    }
+    return names;
+}
+
+// Per machine, what did not come back: attributes the target does not carry (lost), and
+// carried ones that read back otherwise (rounded to the target's decimals, a derived shot
+// volume, blanks a reader drops).
+void ReportDifferences(const std::vector<CQZRIM>& before, const std::vector<CQZRIM>& after,
+                       bool toLegacy, std::ostream& out) {
+    for (size_t i = 0; i < before.size(); ++i) {
+        const std::vector<Attribute> original = DescribeMachine(before[i]);
+        const std::vector<Attribute> readBack = DescribeMachine(after[i]);
+        std::string lost;
+        std::string changed;
+        for (size_t k = 0; k < original.size(); ++k) {
+            const Attribute& was = original[k];
+            const Attribute& is = readBack[k];
+            const bool same = was.numeric ? was.number == is.number : was.text == is.text;
+            if (was.catalogueNumber || same) {
+                continue;
+            }
+            if (CarriedBy(was, toLegacy)) {
+                changed += (changed.empty() ? "" : ", ") + was.name + " " + Quoted(was.text) +
+                           " -> " + Quoted(is.text);
+            } else {
+                lost += (lost.empty() ? "" : ", ") + was.name + " " + ValueWithUnit(was);
+            }
+        }
+        if (!lost.empty()) {
+            out << "  " << DisplayName(before[i]) << ": lost " << lost << '\n';
+        }
+        if (!changed.empty()) {
+            out << "  " << DisplayName(before[i]) << ": changed " << changed << '\n';
+        }
+    }
+}
+
+bool SameMachines(const std::vector<CQZRIM>& before, const std::vector<CQZRIM>& after) {
+    if (before.size() != after.size()) {
+        return false;
+    }
+    for (size_t i = 0; i < before.size(); ++i) {
+        if (!before[i].IsNameIdentity(after[i])) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool ChooseConversion(const BankHeader& header, Conversion* conversion) {
+    if (header.form != HeaderForm::Sectioned && IsLegacyKind(header.kind)) {
+        conversion->toLegacy = false;
+        conversion->targetName = "sectioned IMM user bank";
+        conversion->targetKind = BankKind::IMMUserBank;
+        return true;
+    }
+    if (header.kind == BankKind::IMMUserBank || header.kind == BankKind::IMMSystemBankFiles) {
+        conversion->toLegacy = true;
+        conversion->targetName = "legacy user bank";
+        conversion->targetKind = BankKind::OldIMMUserBank;
+        return true;
+    }
+    return false;
+}
+
+// Texts that will break the machine's row in the legacy bank about to be written.
+void WarnLegacyHazards(const CQZRIM& machine, std::ostream& err) {
+    struct Text {
+        const char* attribute;
+        const char* value;
+        bool isName;
+    };
+    const Text texts[] = {{"Maker", machine.GetMaker(), true},
+                          {"Grade", machine.GetGrade(), true},
+                          {"Remark", machine.GetRemark(), false}};
+    for (const Text& text : texts) {
+        for (const std::string& hazard :
+             LegacyTextHazards(text.attribute, text.value, text.isName)) {
+            err << "qzrbank: warning: " << DisplayName(machine) << ": " << hazard << '\n';
+        }
+    }
+}
+
+bool SameFile(const std::string& a, const std::string& b) {
+    std::error_code error;
+    return fs::equivalent(fs::path(NativePath(a)), fs::path(NativePath(b)), error);
+}
+
+}  // namespace
+
+int RunConvert(const ConvertOptions& options, std::ostream& out, std::ostream& err) {
+    const std::string& input = options.input;
+    const std::string& output = options.output;
+    std::string text;
+    if (!ReadBankText(input, &text)) {
+        err << "qzrbank: " << input << ": no such file\n";
+        return kExitError;
+    }
+    const BankHeader header = RecognizeBankHeader(text);
+    Conversion conversion;
+    if (!header.recognized || !ChooseConversion(header, &conversion)) {
+        err << "qzrbank: " << input << ": "
+            << (header.recognized ? std::string("a ") + BankKindName(header.kind) +
+                                        " bank; convert takes a legacy bank or a sectioned "
+                                        "IMM bank"
+                                  : "not a bank (" + header.problem + ")")
+            << '\n';
+        return kExitError;
+    }
+    std::error_code code;
+    if (fs::is_directory(fs::path(NativePath(output)), code) || SameFile(input, output)) {
+        err << "qzrbank: " << output << ": must name a new bank file other than " << input << '\n';
+        return kExitError;
+    }
+    BankLoad load = BankLoad::OldIMMSystem;
+    LoadOfKind(header.kind, &load);
+    CQZRMoldingMachineCtrl catalogue;
+    if (!LoadBank(load, input, &catalogue)) {
+        err << "qzrbank: " << input << ": refused by its loader (run 'qzrbank check' on it)\n";
+        return kExitError;
+    }
+    const std::vector<CQZRIM> before = IMMMachines(catalogue);
+    if (conversion.toLegacy) {
+        for (const CQZRIM& machine : before) {
+            WarnLegacyHazards(machine, err);
+        }
+    }
+
+    // The writers accept only a catalogue whose file attributes name their own bank.
+    catalogue.SetFileVersion(conversion.toLegacy ? 7007 : 9000);
+    catalogue.SetFileFormat(1);
+    catalogue.SetFileType(0);
+    catalogue.SetFileCreateBy("qzrbank convert");
+    catalogue.SetFileRemark(
+        ("Converted from " + fs::path(NativePath(input)).filename().string()).c_str());
+    std::string error = "cannot write " + output;
+    const bool saved = conversion.toLegacy ? SaveLegacy(output, &catalogue, &error)
+                                           : SaveSectioned(output, &catalogue);
+    if (!saved) {
+        err << "qzrbank: " << error << '\n';
+        return kExitError;
+    }
+
+    BankLoad readBack = BankLoad::OldIMMSystem;
+    LoadOfKind(conversion.targetKind, &readBack);
+    CQZRMoldingMachineCtrl written;
+    LoadBank(readBack, output, &written);
+    const std::vector<CQZRIM> after = IMMMachines(written);
+    out << "converted " << before.size() << (before.size() == 1 ? " machine: " : " machines: ")
+        << input << " (" << BankKindName(header.kind) << ") -> " << output << " ("
+        << conversion.targetName << ")\n";
+    out << "not carried by a " << conversion.targetName
+        << ", so lost: " << NotCarried(conversion.toLegacy) << '\n';
+    if (!SameMachines(before, after)) {
+        err << "qzrbank: " << output << " reads back " << after.size() << " of " << before.size()
+            << " machines intact\n";
+        return kExitNegative;
+    }
+    ReportDifferences(before, after, conversion.toLegacy, out);
+    return kExitOk;
+}
+
+}  // namespace qzrbank

@@ -1,0 +1,93 @@
+// Loading banks through the library's load/save front, as a host does, and remembering where
+// each machine came from.
+#ifndef QZRBANK_BANKLOADING_H
+#define QZRBANK_BANKLOADING_H
+
+#include <string>
+#include <vector>
+
+#include <QZRMachine/QZRMoldingMachineCtrl.h>
+#include <QZRMachine/QZRMoldingMachineIO.h>
+
+#include "BankHeader.h"
+
+namespace qzrbank {
+
+// The ways a bank reaches a catalogue: one per load member of CQZRMoldingMachineIO.
+enum class BankLoad {
+    OldIMMSystem,
+    OldIMMUser,
+    IMMSystemFolder,
+    IMMUser,
+    RTMSystemFolder,
+    RTMUser
+};
+
+// The load that accepts files of a kind; false for NotABank. System-bank folders are loaded
+// with a pattern; a single system-bank file is its own pattern.
+bool LoadOfKind(BankKind kind, BankLoad* load);
+
+// One load, by a front of its own, so that no earlier recognition can change how this file is
+// recognised (a front keeps the header values of its last recognition).
+bool LoadBank(BankLoad load, const std::string& path, CQZRMoldingMachineCtrl* catalogue);
+
+// A catalogue of machines of one kind, and the load each machine came from. The catalogue
+// issues machine ids in ascending order while it only grows, so the ids a load issued tell
+// its machines apart from those of the loads before it.
+class SourcedCatalogue {
+  public:
+    bool IsRTM() const { return m_rtm; }
+    explicit SourcedCatalogue(bool rtm) : m_rtm(rtm) {}
+
+    const CQZRMoldingMachineCtrl& Catalogue() const { return m_catalogue; }
+    CQZRMoldingMachineCtrl& Catalogue() { return m_catalogue; }
+
+    bool Load(BankLoad load, const std::string& path, const std::string& label);
+    // The label of the load that added the machine; empty when unknown.
+    std::string SourceOf(int machineId) const;
+
+  private:
+    int HighestMachineId() const;
+
+    struct Source {
+        int lastMachineId;
+        std::string label;
+    };
+    bool m_rtm;
+    CQZRMoldingMachineCtrl m_catalogue;
+    std::vector<Source> m_sources;
+};
+
+// A bank folder: the folder that holds "Machine\IMM", "Machine\RTM", "User-IMM.bnk",
+// "User-RTMIC.bnk", "system-pro.bnk" and "user-pro.bnk". Given the folder that contains
+// "Bank" (the application folder of the default bank paths), or the Bank folder itself.
+struct BankFolder {
+    std::string path;  // the Bank folder, without a trailing separator
+};
+
+// False, with a message, when dir is neither a folder holding "Bank" nor a bank folder.
+bool LocateBankFolder(const std::string& dir, BankFolder* folder, std::string* error);
+
+// The shipped examples/Bank of this source tree.
+std::string ShippedBankFolder();
+
+// Loads a bank folder the way a host does: the injection-moulding banks (the system-bank
+// folder, the sectioned user bank, the legacy system and user banks, in that order) into one
+// catalogue, the transfer-moulding banks (system-bank folder, user bank) into another. A
+// catalogue holds one kind of machine per maker, and takes its file type from the first file
+// it accepts, so the two kinds cannot share one. Missing files are passed over; files that
+// exist but are refused are reported in warnings.
+struct LoadedFolder {
+    SourcedCatalogue imm{false};
+    SourcedCatalogue rtm{true};
+};
+void LoadBankFolder(const BankFolder& folder, bool loadIMM, bool loadRTM, LoadedFolder* loaded,
+                    std::vector<std::string>* warnings);
+
+// Every machine of a catalogue in global index order.
+std::vector<CQZRIM> IMMMachines(const CQZRMoldingMachineCtrl& catalogue);
+std::vector<CQZRRTM> RTMMachines(const CQZRMoldingMachineCtrl& catalogue);
+
+}  // namespace qzrbank
+
+#endif  // QZRBANK_BANKLOADING_H

@@ -1,0 +1,47 @@
+// The subcommands of qzrbank. Each writes its results to out and its errors, one line each, to
+// err, and returns the process exit code: 0 done (and, for check, nothing found), 1 a negative
+// answer (check found something, show or list found no such machine, convert could not read
+// back all it wrote), 2 an error (a missing or unreadable file, a bank no loader accepts where
+// one is needed, a bad argument).
+#ifndef QZRBANK_COMMANDS_H
+#define QZRBANK_COMMANDS_H
+
+#include <optional>
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace qzrbank {
+
+constexpr int kExitOk = 0;
+constexpr int kExitNegative = 1;
+constexpr int kExitError = 2;
+
+struct ListOptions {
+    std::optional<std::string> bankDir;  // none: the shipped examples/Bank
+    std::string kind = "all";            // "imm", "rtm" or "all"
+    std::optional<std::string> maker;    // matched by the library's name rule
+    std::string format = "table";        // "table", "csv" or "json"
+};
+int RunList(const ListOptions& options, std::ostream& out, std::ostream& err);
+
+struct ShowOptions {
+    std::string bank;  // a bank file or a bank folder
+    std::string maker;
+    std::string grade;
+    std::string format = "text";  // "text" or "json"
+};
+int RunShow(const ShowOptions& options, std::ostream& out, std::ostream& err);
+
+int RunInfo(const std::vector<std::string>& files, std::ostream& out, std::ostream& err);
+int RunCheck(const std::vector<std::string>& files, std::ostream& out, std::ostream& err);
+
+struct ConvertOptions {
+    std::string input;
+    std::string output;
+};
+int RunConvert(const ConvertOptions& options, std::ostream& out, std::ostream& err);
+
+}  // namespace qzrbank
+
+#endif  // QZRBANK_COMMANDS_H

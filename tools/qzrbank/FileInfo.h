@@ -1,0 +1,29 @@
+// What qzrbank info tells about one file: its bank kind, header values, the machines its
+// loader reads, and the texts its header carries.
+#ifndef QZRBANK_FILEINFO_H
+#define QZRBANK_FILEINFO_H
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "BankHeader.h"
+
+namespace qzrbank {
+
+struct FileInfo {
+    bool readable = false;
+    std::string error;  // when not readable
+    BankHeader header;
+    int machines = 0;           // as the loader of the file's kind reads them
+    bool loadAccepted = false;  // the loader's own result
+    // Header texts in file order: "CreateDate", "CreateBy", "Remark", "TotalMachine" of a
+    // sectioned bank, "TotalNo" of a legacy system bank.
+    std::vector<std::pair<std::string, std::string>> headerTexts;
+};
+
+FileInfo ReadFileInfo(const std::string& path);
+
+}  // namespace qzrbank
+
+#endif  // QZRBANK_FILEINFO_H

@@ -1,0 +1,266 @@
+// qzrbank list and qzrbank show: the machines of a bank folder, and one machine in full.
+#include <filesystem>
+#include <system_error>
+
+#include "BankLoading.h"
+#include "BankText.h"
+#include "Commands.h"
+#include "MachineDetails.h"
+#include "Numbers.h"
+#include "TextTable.h"
+
+namespace qzrbank {
+
+namespace {
+
+struct MakerGroup {
+    std::string kind;
+    std::string maker;
+    std::vector<MachineSummary> machines;
+};
+
+template <class Record>
+void CollectGroups(const SourcedCatalogue& sourced, const std::optional<std::string>& maker,
+                   std::vector<MakerGroup>* groups) {
+    const CQZRMoldingMachineCtrl& catalogue = sourced.Catalogue();
+    auto addMachine = [&](MakerGroup* group, const Record& machine) {
+        MachineSummary summary = Summarize(machine);
+        summary.bank = sourced.SourceOf(machine.GetMachineID());
+        group->machines.push_back(std::move(summary));
+    };
+    if (maker) {
+        // One maker, found as the catalogue finds it: by the library's name rule.
+        MakerGroup group;
+        const int count = catalogue.GetMachineCount(maker->c_str());
+        for (int position = 0; position < count; ++position) {
+            Record machine;
+            if (catalogue.GetCurrentMakerMachine(maker->c_str(), position, machine)) {
+                const char* name = catalogue.GetMaker(machine.GetMakerID());
+                group.maker = name != nullptr ? name : machine.GetMaker();
+                addMachine(&group, machine);
+            }
+        }
+        if (!group.machines.empty()) {
+            group.kind = group.machines.front().kind;
+            groups->push_back(std::move(group));
+        }
+        return;
+    }
+    for (int position = 0; position < catalogue.GetTotalMaker(); ++position) {
+        const int makerId = catalogue.GetMakerID(position);
+        MakerGroup group;
+        const char* name = catalogue.GetMaker(makerId);
+        group.maker = name != nullptr ? name : "";
+        const int count = catalogue.GetMachineCount(makerId);
+        for (int index = 0; index < count; ++index) {
+            Record machine;
+            if (catalogue.GetCurrentMakerMachine(makerId, index, machine)) {
+                addMachine(&group, machine);
+            }
+        }
+        if (!group.machines.empty()) {
+            group.kind = group.machines.front().kind;
+            groups->push_back(std::move(group));
+        }
+    }
+}
+
+const char* const kListColumns[] = {"Kind",       "Maker",      "Grade",    "ClampingForce",
+                                    "ShotWeight", "ShotVolume", "Pressure", "Diameter",
+                                    "Stroke",     "Bank"};
+
+TextTable ListTable(const std::vector<MakerGroup>& groups) {
+    TextTable table;
+    table.header.assign(std::begin(kListColumns), std::end(kListColumns));
+    table.rightAligned = {false, false, false, true, true, true, true, true, true, false};
+    for (const MakerGroup& group : groups) {
+        table.groupStarts.push_back(table.rows.size());
+        for (const MachineSummary& m : group.machines) {
+            table.rows.push_back({m.kind, group.maker, m.grade, FormatNumber(m.clampingForce),
+                                  FormatNumber(m.shotWeight), FormatNumber(m.shotVolume),
+                                  FormatNumber(m.pressure), FormatNumber(m.diameter),
+                                  FormatNumber(m.stroke), m.bank});
+        }
+    }
+    return table;
+}
+
+nlohmann::ordered_json ListJson(const std::vector<MakerGroup>& groups) {
+    nlohmann::ordered_json makers = nlohmann::ordered_json::array();
+    for (const MakerGroup& group : groups) {
+        nlohmann::ordered_json machines = nlohmann::ordered_json::array();
+        for (const MachineSummary& m : group.machines) {
+            machines.push_back({{"Grade", m.grade},
+                                {"ClampingForce", m.clampingForce},
+                                {"ShotWeight", m.shotWeight},
+                                {"ShotVolume", m.shotVolume},
+                                {"Pressure", m.pressure},
+                                {"Diameter", m.diameter},
+                                {"Stroke", m.stroke},
+                                {"Bank", m.bank}});
+        }
+        makers.push_back(
+            {{"Kind", group.kind}, {"Maker", group.maker}, {"Machines", std::move(machines)}});
+    }
+    return {{"Makers", std::move(makers)}};
+}
+
+void PrintAttributesText(std::ostream& out,
+                         const std::vector<std::pair<std::string, std::string>>& head,
+                         const std::vector<Attribute>& attributes) {
+    size_t width = 0;
+    for (const auto& line : head) {
+        width = std::max(width, line.first.size());
+    }
+    for (const Attribute& attribute : attributes) {
+        width = std::max(width, attribute.name.size());
+    }
+    auto print = [&out, width](const std::string& name, const std::string& value) {
+        out << name;
+        if (!value.empty()) {
+            out << std::string(width - name.size() + 2, ' ') << value;
+        }
+        out << '\n';
+    };
+    for (const auto& line : head) {
+        print(line.first, line.second);
+    }
+    for (const Attribute& attribute : attributes) {
+        print(attribute.name,
+              attribute.unit.empty() ? attribute.text : attribute.text + " " + attribute.unit);
+    }
+}
+
+nlohmann::ordered_json AttributesJson(const std::vector<std::pair<std::string, std::string>>& head,
+                                      const std::vector<Attribute>& attributes) {
+    nlohmann::ordered_json json;
+    for (const auto& line : head) {
+        json[line.first] = line.second;
+    }
+    nlohmann::ordered_json units = nlohmann::ordered_json::object();
+    for (const Attribute& attribute : attributes) {
+        if (attribute.integer) {
+            json[attribute.name] = static_cast<long long>(attribute.number);
+        } else if (attribute.numeric) {
+            json[attribute.name] = attribute.number;
+        } else {
+            json[attribute.name] = attribute.text;
+        }
+        if (!attribute.unit.empty()) {
+            units[attribute.name] = attribute.unit;
+        }
+    }
+    json["Units"] = std::move(units);
+    return json;
+}
+
+template <class Record>
+bool FindMachine(const SourcedCatalogue& sourced, const ShowOptions& options, const char* kindName,
+                 std::ostream& out) {
+    Record machine;
+    if (!sourced.Catalogue().GetMachine(options.maker.c_str(), options.grade.c_str(), machine)) {
+        return false;
+    }
+    const std::vector<std::pair<std::string, std::string>> head = {
+        {"Kind", kindName}, {"Bank", sourced.SourceOf(machine.GetMachineID())}};
+    const std::vector<Attribute> attributes = DescribeMachine(machine);
+    if (options.format == "json") {
+        out << JsonText(AttributesJson(head, attributes)) << '\n';
+    } else {
+        PrintAttributesText(out, head, attributes);
+    }
+    return true;
+}
+
+bool IsFolder(const std::string& path) {
+    std::error_code error;
+    return std::filesystem::is_directory(std::filesystem::path(NativePath(path)), error);
+}
+
+}  // namespace
+
+int RunList(const ListOptions& options, std::ostream& out, std::ostream& err) {
+    const std::string dir = options.bankDir ? *options.bankDir : ShippedBankFolder();
+    BankFolder folder;
+    std::string error;
+    if (!LocateBankFolder(dir, &folder, &error)) {
+        err << "qzrbank: " << error << '\n';
+        return kExitError;
+    }
+    const bool imm = options.kind != "rtm";
+    const bool rtm = options.kind != "imm";
+    LoadedFolder loaded;
+    std::vector<std::string> warnings;
+    LoadBankFolder(folder, imm, rtm, &loaded, &warnings);
+    for (const std::string& warning : warnings) {
+        err << "qzrbank: warning: " << warning << '\n';
+    }
+    std::vector<MakerGroup> groups;
+    if (imm) {
+        CollectGroups<CQZRIM>(loaded.imm, options.maker, &groups);
+    }
+    if (rtm) {
+        CollectGroups<CQZRRTM>(loaded.rtm, options.maker, &groups);
+    }
+    if (options.maker && groups.empty()) {
+        err << "qzrbank: no machine of maker \"" << *options.maker << "\" in " << folder.path
+            << '\n';
+        return kExitNegative;
+    }
+    if (options.format == "json") {
+        out << JsonText(ListJson(groups)) << '\n';
+    } else if (options.format == "csv") {
+        PrintCsv(out, ListTable(groups));
+    } else {
+        const TextTable table = ListTable(groups);
+        PrintTable(out, table);
+        out << '\n'
+            << table.rows.size() << (table.rows.size() == 1 ? " machine of " : " machines of ")
+            << groups.size() << (groups.size() == 1 ? " maker" : " makers") << '\n';
+    }
+    return kExitOk;
+}
+
+int RunShow(const ShowOptions& options, std::ostream& out, std::ostream& err) {
+    LoadedFolder loaded;
+    if (IsFolder(options.bank)) {
+        BankFolder folder;
+        std::string error;
+        if (!LocateBankFolder(options.bank, &folder, &error)) {
+            err << "qzrbank: " << error << '\n';
+            return kExitError;
+        }
+        std::vector<std::string> warnings;
+        LoadBankFolder(folder, true, true, &loaded, &warnings);
+        for (const std::string& warning : warnings) {
+            err << "qzrbank: warning: " << warning << '\n';
+        }
+    } else {
+        std::string text;
+        if (!ReadBankText(options.bank, &text)) {
+            err << "qzrbank: " << options.bank << ": no such file or folder\n";
+            return kExitError;
+        }
+        const BankHeader header = RecognizeBankHeader(text);
+        BankLoad load = BankLoad::OldIMMSystem;
+        if (!header.recognized || !LoadOfKind(header.kind, &load)) {
+            err << "qzrbank: " << options.bank << ": not a bank (" << header.problem << ")\n";
+            return kExitError;
+        }
+        const bool rtm = load == BankLoad::RTMSystemFolder || load == BankLoad::RTMUser;
+        SourcedCatalogue& catalogue = rtm ? loaded.rtm : loaded.imm;
+        if (!catalogue.Load(load, options.bank, options.bank)) {
+            err << "qzrbank: " << options.bank << ": refused by its loader\n";
+            return kExitError;
+        }
+    }
+    if (FindMachine<CQZRIM>(loaded.imm, options, "IMM", out) ||
+        FindMachine<CQZRRTM>(loaded.rtm, options, "RTM", out)) {
+        return kExitOk;
+    }
+    err << "qzrbank: no machine \"" << options.maker << " - " << options.grade << "\" in "
+        << options.bank << '\n';
+    return kExitNegative;
+}
+
+}  // namespace qzrbank

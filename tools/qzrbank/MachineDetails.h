@@ -1,0 +1,54 @@
+// Every attribute of a machine record as the tool shows it: its name, its value, its unit
+// where the bank formats give one (the legacy bank's unit line: ton, g, MPa, cc/s, mm, sec,
+// cm3), and which bank formats carry it.
+#ifndef QZRBANK_MACHINEDETAILS_H
+#define QZRBANK_MACHINEDETAILS_H
+
+#include <string>
+#include <vector>
+
+#include <QZRMachine/QZRIM.h>
+#include <QZRMachine/QZRRTM.h>
+
+namespace qzrbank {
+
+struct Attribute {
+    std::string name;
+    bool numeric = false;
+    bool integer = false;          // numeric and whole by nature (counts, ids, kinds)
+    double number = 0.0;           // numeric attributes
+    std::string text;              // the value as shown (the number formatted, or the text itself)
+    std::string unit;              // empty where no format gives one
+    bool inLegacy = false;         // a column of the legacy tabular bank
+    bool inSectioned = false;      // a key of the sectioned bank of its kind
+    bool catalogueNumber = false;  // issued by the catalogue (ids), in no file
+};
+
+std::vector<Attribute> DescribeMachine(const CQZRIM& machine);
+std::vector<Attribute> DescribeMachine(const CQZRRTM& machine);
+
+// The key capacities of the machine list; pressure, diameter and stroke are the injection
+// pressure and screw of an injection-moulding machine and the transfer pressure and plunger
+// of a transfer-moulding machine.
+struct MachineSummary {
+    std::string kind;  // "IMM" or "RTM"
+    std::string maker;
+    std::string grade;
+    double clampingForce = 0.0;
+    double shotWeight = 0.0;
+    double shotVolume = 0.0;
+    double pressure = 0.0;
+    double diameter = 0.0;
+    double stroke = 0.0;
+    std::string bank;  // where the machine was loaded from
+};
+
+MachineSummary Summarize(const CQZRIM& machine);
+MachineSummary Summarize(const CQZRRTM& machine);
+
+// "maker - grade", as the library forms a machine's display name.
+std::string DisplayName(const CQZRMoldingMachine& machine);
+
+}  // namespace qzrbank
+
+#endif  // QZRBANK_MACHINEDETAILS_H
