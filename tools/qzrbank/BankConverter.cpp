@@ -214,9 +214,8 @@ int RunConvert(const ConvertOptions& options, std::ostream& out, std::ostream& e
     Conversion conversion;
     if (!header.recognized || !ChooseConversion(header, &conversion)) {
         err << "qzrbank: " << input << ": "
-            << (header.recognized ? std::string("a ") + BankKindName(header.kind) +
-                                        " bank; convert takes a legacy bank or a sectioned "
-                                        "IMM bank"
+            << (header.recognized ? std::string("a bank of kind ") + BankKindName(header.kind) +
+                                        "; convert takes a legacy bank or a sectioned IMM bank"
                                   : "not a bank (" + header.problem + ")")
             << '\n';
         return kExitError;

@@ -206,7 +206,16 @@ class LegacyScan {
 
     int Line() const { return m_pieces[m_current].line; }
 
-    void Report(const std::string& message) { m_load.findings.push_back({Line(), message}); }
+    // A piece that continues a long line is named by where it starts.
+    void Report(const std::string& message) {
+        size_t offset = 0;
+        for (size_t i = m_current; i > 0 && m_pieces[i].continued; --i) {
+            offset += m_pieces[i - 1].text.size();
+        }
+        m_load.findings.push_back(
+            {Line(), offset == 0 ? message
+                                 : "from character " + std::to_string(offset + 1) + ": " + message});
+    }
 
     void CheckHeader(const BankHeader& header) {
         if (header.form == HeaderForm::LegacyUser && header.inexactVersionLine) {
@@ -286,15 +295,10 @@ class LegacyScan {
         if (m_text.empty()) {
             return;
         }
-        if (m_userBank && !idConverted && !blank) {
-            Report(
-                "the row's ID is not a number: the row is loaded only because the row "
-                "before it has ID 1");
-        }
-        AnalyzeRow(blank);
+        AnalyzeRow(blank, m_userBank && !idConverted);
     }
 
-    void AnalyzeRow(bool blank) {
+    void AnalyzeRow(bool blank, bool idCarriedOver) {
         const RowLayout& layout = LayoutFor(m_userBank, m_fileVersion);
         const std::vector<std::string_view> tokens = Tokens(m_text);
         std::vector<std::string_view> raw = Split(WithoutLineEnd(m_text), ',');
@@ -320,6 +324,10 @@ class LegacyScan {
                        ": the loader skips it");
             }
             return;
+        }
+        if (idCarriedOver) {
+            Report("the row's ID is not a number: the row is loaded only because the row "
+                   "before it has ID 1");
         }
         LoadedEntry entry;
         entry.line = Line();
