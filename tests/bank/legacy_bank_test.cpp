@@ -78,9 +78,6 @@ TEST(LegacyLoader, ScanCases) {
          UserHead("7007") + Lines({Row("2,Two,2"), Row("1,One,1"), Row("x,Carried,1"),
                                    Row("3,Three,3"), Row(" ,After3,3")}),
          true, "One/1:100 Carried/1:100 7007/1/0+"},
-        {"the system loader takes every ID", kSystem,
-         SystemHead("7006") + Lines({"2,K,K-1,,10,20,30,40,25,100", "x,L,L-1,r,1,2,3,4,5,6"}), true,
-         "K/K-1:10 L/L-1:1 7006/0/0+"},
         {"a row holding Version sets the version and is not loaded", kUser,
          UserHead("7007") +
              Lines({Row("1,A,A-1"), "1,5,B,a Version,1,2,3,4,5,6", "1,Base,B-1,,1,2,3,4,5,6"}),
@@ -94,8 +91,8 @@ TEST(LegacyLoader, ScanCases) {
         {"system 7008", kSystem, SystemHead("7008") + layoutRow, true, "M/G:12 7008/0/0+"},
         {"TotalNo after the header fails a user load; earlier rows stay", kUser,
          DataFile("totalno_after_header.bnk"), false, "Alpha/A-100:100 7007/1/0+"},
-        {"TotalNo means nothing to the system loader", kSystem,
-         SystemHead("7006") + Lines({"1,K,K-1,,1,2,3,4,5,6", "TotalNo,3", "1,M,M-1,,1,2,3,4,5,6"}),
+        {"the system loader takes any ID, and TotalNo means nothing to it", kSystem,
+         SystemHead("7006") + Lines({"2,K,K-1,,1,2,3,4,5,6", "TotalNo,3", "x,M,M-1,,1,2,3,4,5,6"}),
          true, "K/K-1:1 M/M-1:1 7006/0/0+"},
         {"the user loader's marker is Database]", kUser,
          Lines({"[Header]", "Version,7004", "", "[IMMDatabase]", "1,N,N-1,,1,2,3,4,5,6,7,8,9,10"}),
@@ -106,8 +103,6 @@ TEST(LegacyLoader, ScanCases) {
          true, "7006/0/0+"},
         {"no [EOF]: the last row loads once", kUser, DataFile("no_eof.bnk"), true,
          "Alpha/A-100:100 Beta/B-200:100 7007/1/0+"},
-        {"a last row without line end", kSystem, SystemHead("7007") + "1,O,O-1,,1,2,3,4,5,6,1,0.9",
-         true, "O/O-1:1 7007/0/0+"},
         {"nothing after [EOF]", kSystem,
          SystemHead("7006") + Lines({"1,P,P-1,,1,2,3,4,5,6", "[EOF]", "1,R,R-1,,1,2,3,4,5,6"}),
          true, "P/P-1:1 7006/0/0+"},
@@ -184,30 +179,26 @@ TEST(LegacyWriter, BytesAndRoundTrip) {
     EXPECT_EQ(folder.Read("Bank/user-pro.bnk.bak"), bank);
 }
 
+// Any version below 9000 is written as 7007; other banks, or a catalogue without a store,
+// are refused and nothing is written.
 TEST(LegacyWriter, WritesOnlyLegacyUserBanksOfInjectionMoulding) {
-    struct Row {
-        int version, format, type;
-        bool withStore;
-        bool written;
-    };
-    const Row rows[] = {{1000, 1, 0, true, true},  {8999, 1, 0, true, true},
-                        {9000, 1, 0, true, false}, {7007, 0, 0, true, false},
-                        {7007, 1, 1, true, false}, {7007, 1, 0, false, false}};
-    for (const Row& row : rows) {
-        SCOPED_TRACE(std::to_string(row.version) + "/" + std::to_string(row.format) + "/" +
-                     std::to_string(row.type) + (row.withStore ? "" : " without store"));
+    const int rows[][4] = {{1000, 1, 0, 1}, {8999, 1, 0, 1}, {9000, 1, 0, 0},
+                           {7007, 0, 0, 0}, {7007, 1, 1, 0}, {7007, 1, 0, -1}};
+    for (const auto& [version, format, type, written] : rows) {
+        SCOPED_TRACE(std::to_string(version) + "/" + std::to_string(format) + "/" +
+                     std::to_string(type) + (written < 0 ? " without store" : ""));
         TempFolder folder;
         folder.MakeFolder("Bank");
         CQZRMoldingMachineCtrl catalogue;
-        catalogue.SetFileVersion(row.version);
-        catalogue.SetFileFormat(row.format);
-        catalogue.SetFileType(row.type);
-        if (!row.withStore) CQZRMoldingMachineCtrlAccess::DropStore(catalogue);
-        const std::string root = folder.Folder() + "/";
-        EXPECT_EQ(CQZRMoldingMachineWriter().WriteOldIMMUserDatabase(root.c_str(), &catalogue),
-                  row.written);
-        EXPECT_EQ(folder.Read("Bank/user-pro.bnk"), row.written ? kWrittenHead + "[EOF]\r\n" : "");
-        EXPECT_FALSE(CQZRMoldingMachineWriter().WriteOldIMMUserDatabase(nullptr, &catalogue));
+        catalogue.SetFileVersion(version);
+        catalogue.SetFileFormat(format);
+        catalogue.SetFileType(type);
+        if (written < 0) CQZRMoldingMachineCtrlAccess::DropStore(catalogue);
+        const CQZRMoldingMachineWriter writer;
+        EXPECT_EQ(writer.WriteOldIMMUserDatabase((folder.Folder() + "/").c_str(), &catalogue),
+                  written > 0);
+        EXPECT_EQ(folder.Read("Bank/user-pro.bnk"), written > 0 ? kWrittenHead + "[EOF]\r\n" : "");
+        EXPECT_FALSE(writer.WriteOldIMMUserDatabase(nullptr, &catalogue));
     }
 }
 

@@ -27,7 +27,6 @@ TEST(SaveProtocol, DefaultBankPaths) {
         {"C:\\Data", 3, "C:\\Data\\Bank\\User-IMM.bnk"},
         {"C:\\Data", 4, "C:\\Data\\Bank\\Machine\\RTM\\*.bnk"},
         {"C:\\Data", 5, "C:\\Data\\Bank\\User-RTMIC.bnk"},
-        {"C:\\Data", 6, "C:\\Data\\"},
         {"C:\\Data\\", 1, "C:\\Data\\Bank\\user-pro.bnk"},
         {"Data", 1, "DataBank\\user-pro.bnk"},
         {"", 3, "Bank\\User-IMM.bnk"},
@@ -35,7 +34,6 @@ TEST(SaveProtocol, DefaultBankPaths) {
         {f237.substr(1), 5, f237.substr(1) + "\\Bank\\User-RTMIC.bnk"},
         {f237, 5, ""},
         {std::string(259, 'x'), 6, std::string(259, 'x')},
-        {std::string(5000, 'x'), 1, ""},
     };
     for (const PathRow& row : rows) {
         SCOPED_TRACE(row.folder.substr(0, 12) + "... of " + std::to_string(row.folder.size()) +
@@ -70,35 +68,15 @@ TEST(SaveProtocol, BackupHoldsThePreviousContent) {
     EXPECT_EQ(folder.Read("User-IMM.bnk.bak"), "second\r\n");
 }
 
-// Fails every open that would empty its file, as a full or read-only medium would.
-class RefusingTruncate : public qzr::platform::EnvWrapper {
-  public:
-    RefusingTruncate() : EnvWrapper(qzr::platform::Env::Default()), m_override(this) {}
-    std::unique_ptr<qzr::platform::WritableFile> OpenForWriting(
-        const std::string& path, qzr::platform::WriteMode mode) override {
-        return mode == qzr::platform::WriteMode::kTruncate ? nullptr
-                                                           : target()->OpenForWriting(path, mode);
-    }
-
-  private:
-    qzr::platform::ScopedEnvOverride m_override;
-};
-
-TEST(SaveProtocol, FailuresKeepWhatIsOnDisk) {
+// A target that cannot be created fails the save, and nothing is left behind. (Faults in the
+// middle of a save are the reliability tests' subject.)
+TEST(SaveProtocol, TargetsThatCannotBeWritten) {
     TempFolder folder;
     EXPECT_FALSE(Save(folder.File("missing/User-IMM.bnk"), "x\n"));
     EXPECT_FALSE(folder.Exists("missing"));
     folder.MakeFolder("Bank");
     EXPECT_FALSE(Save(folder.File("Bank"), "x\n")) << "a folder in the target's place";
     EXPECT_FALSE(folder.Exists("Bank.bak"));
-
-    folder.Write("User-RTMIC.bnk", "old\r\n");
-    {
-        RefusingTruncate env;
-        EXPECT_FALSE(Save(folder.File("User-RTMIC.bnk"), "new\n"));
-    }
-    EXPECT_EQ(folder.Read("User-RTMIC.bnk"), "old\r\n");
-    EXPECT_EQ(folder.Read("User-RTMIC.bnk.bak"), "old\r\n") << "the backup made first stays";
 }
 
 }  // namespace
