@@ -71,25 +71,28 @@ const std::vector<FaultCase>& FaultCases() {
         // Sectioned banks.
         {"sectioned_missing_key.bnk",
          3,
-         {{13, "[Machine-1] has no \"Remark\": the loaders take the \"Remark\" of [Machine-2] "
-               "(line 33)"},
-          {44, "[Machine-3] has no \"TransferRate\", nor has any section after it: the machine "
-               "keeps the default"}}},
-        {"sectioned_system_missing_key.bnk",
-         2,
-         {{45, "keeps the value of the machine before it"}}},
+         {{13,
+           "[Machine-1] has no \"Remark\": the loaders take the \"Remark\" of [Machine-2] "
+           "(line 33)"},
+          {44,
+           "[Machine-3] has no \"TransferRate\", nor has any section after it: the machine "
+           "keeps the default"}}},
+        {"sectioned_system_missing_key.bnk", 2, {{45, "keeps the value of the machine before it"}}},
         {"sectioned_gap.bnk",
          2,
          {{11, "\"TotalMachine\" is 4, but 2 machines load"},
-          {77, "[Machine-3] is missing: the loaders stop after [Machine-2], so this section and "
-               "the 1 after it"}}},
+          {77,
+           "[Machine-3] is missing: the loaders stop after [Machine-2], so this section and "
+           "the 1 after it"}}},
         {"sectioned_missing_grade_stops.bnk",
          1,
          {{11, "\"TotalMachine\" is 2, but 1 machine loads"},
           {45, "[Machine-2] has no \"Grade\", nor has any section after it: the loaders stop"}}},
         {"sectioned_total_machine_mismatch.bnk", 2, {{11, "\"TotalMachine\" is 5, but 2"}}},
         {"sectioned_long_line.bnk", 1, {{18, "631 characters long with its line end"}}},
-        {"sectioned_duplicate_section.bnk", 2, {{77, "[Machine-2] appears again (first at line 45)"}}},
+        {"sectioned_duplicate_section.bnk",
+         2,
+         {{77, "[Machine-2] appears again (first at line 45)"}}},
         {"sectioned_misnumbered_section.bnk", 1, {{45, "\"[Machine-02]\" is never read"}}},
         {"sectioned_value_not_number.bnk", 1, {{33, "\"ClampingForce\" \"abc\" is not a number"}}},
         {"sectioned_duplicate_machines.bnk",
@@ -98,7 +101,8 @@ const std::vector<FaultCase>& FaultCases() {
           {109, "maker and grade of line 13 with other data"}}},
         {"sectioned_comma_in_maker.bnk",
          1,
-         {{15, "Maker \"Varnholt, Sons\" holds a comma"}, {18, "Remark \"Version B frame\" holds"}}},
+         {{15, "Maker \"Varnholt, Sons\" holds a comma"},
+          {18, "Remark \"Version B frame\" holds"}}},
         {"sectioned_duplicate_key.bnk",
          1,
          {{44, "\"Remark\" appears again in [Machine-1] (first at line 18)"},

@@ -23,7 +23,9 @@ inline std::string ToolData(const std::string& name) {
     return std::string(QZR_TEST_DATA_DIR) + "/tool/" + name;
 }
 
-inline std::string ExamplesBank() { return std::string(QZR_EXAMPLES_DIR) + "/Bank"; }
+inline std::string ExamplesBank() {
+    return std::string(QZR_EXAMPLES_DIR) + "/Bank";
+}
 
 inline std::string ReadFile(const fs::path& path) {
     std::ifstream in(path, std::ios::binary);
@@ -37,7 +39,7 @@ inline void WriteFile(const fs::path& path, const std::string& bytes) {
 
 // A fresh folder under the system's temporary folder, removed at the end of the test.
 class TempFolder {
-public:
+  public:
     TempFolder() {
         std::random_device random;
         m_path = fs::temp_directory_path() /
@@ -54,7 +56,7 @@ public:
     const fs::path& Path() const { return m_path; }
     std::string operator/(const std::string& name) const { return (m_path / name).string(); }
 
-private:
+  private:
     fs::path m_path;
 };
 
@@ -69,8 +71,8 @@ inline RunResult RunQzrbank(const std::string& arguments) {
     TempFolder capture;
     const std::string out = capture / "out.txt";
     const std::string err = capture / "err.txt";
-    const std::string command = std::string("\"") + QZRBANK_EXE + "\" " + arguments + " >\"" +
-                                out + "\" 2>\"" + err + "\"";
+    const std::string command =
+        std::string("\"") + QZRBANK_EXE + "\" " + arguments + " >\"" + out + "\" 2>\"" + err + "\"";
     const int status = std::system(command.c_str());
     RunResult result;
 #if defined(_WIN32)
@@ -83,7 +85,9 @@ inline RunResult RunQzrbank(const std::string& arguments) {
     return result;
 }
 
-inline std::string Quote(const std::string& argument) { return "\"" + argument + "\""; }
+inline std::string Quote(const std::string& argument) {
+    return "\"" + argument + "\"";
+}
 
 }  // namespace qzrbank_test
 

@@ -213,8 +213,9 @@ class LegacyScan {
             offset += m_pieces[i - 1].text.size();
         }
         m_load.findings.push_back(
-            {Line(), offset == 0 ? message
-                                 : "from character " + std::to_string(offset + 1) + ": " + message});
+            {Line(), offset == 0
+                         ? message
+                         : "from character " + std::to_string(offset + 1) + ": " + message});
     }
 
     void CheckHeader(const BankHeader& header) {
@@ -326,8 +327,9 @@ class LegacyScan {
             return;
         }
         if (idCarriedOver) {
-            Report("the row's ID is not a number: the row is loaded only because the row "
-                   "before it has ID 1");
+            Report(
+                "the row's ID is not a number: the row is loaded only because the row "
+                "before it has ID 1");
         }
         LoadedEntry entry;
         entry.line = Line();

@@ -11,6 +11,9 @@
 int main(int argc, char** argv) {
     CLI::App app{"qzrbank: list, show, describe, check and convert QZRMachine bank files"};
     app.require_subcommand(1);
+    app.footer(
+        "Exit codes: 0 done (check: nothing found), 1 check found something or no such machine,\n"
+        "2 an error (missing or unreadable file, bad argument). See tools/README.md.");
 
     qzrbank::ListOptions list;
     std::string bankDir;

@@ -1,0 +1,177 @@
+// convert in both directions: what reaches the target, what is reported lost, round trips,
+// the backup of a replaced file, and the refusals.
+#include <gtest/gtest.h>
+
+#include <QZRMachine/QZRMachine.h>
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "BankLoading.h"
+#include "Commands.h"
+#include "MachineDetails.h"
+#include "tool/tool_test_support.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using qzrbank_test::ToolData;
+
+struct Output {
+    int exitCode;
+    std::string out;
+    std::string err;
+};
+
+Output Convert(const std::string& input, const std::string& output) {
+    std::ostringstream out;
+    std::ostringstream err;
+    const int code = qzrbank::RunConvert({input, output}, out, err);
+    return {code, out.str(), err.str()};
+}
+
+std::vector<CQZRIM> Load(qzrbank::BankLoad load, const std::string& path) {
+    CQZRMoldingMachineCtrl catalogue;
+    EXPECT_TRUE(qzrbank::LoadBank(load, path, &catalogue)) << path;
+    return qzrbank::IMMMachines(catalogue);
+}
+
+// The attributes both formats carry come through a conversion unchanged (the example banks
+// hold numbers of at most two decimals).
+void ExpectSameCarriedAttributes(const std::vector<CQZRIM>& before,
+                                 const std::vector<CQZRIM>& after) {
+    ASSERT_EQ(before.size(), after.size());
+    for (size_t i = 0; i < before.size(); ++i) {
+        SCOPED_TRACE(qzrbank::DisplayName(before[i]));
+        const std::vector<qzrbank::Attribute> was = qzrbank::DescribeMachine(before[i]);
+        const std::vector<qzrbank::Attribute> is = qzrbank::DescribeMachine(after[i]);
+        for (size_t k = 0; k < was.size(); ++k) {
+            if (was[k].inLegacy && was[k].inSectioned) {
+                EXPECT_EQ(was[k].text, is[k].text) << was[k].name;
+            }
+        }
+    }
+}
+
+TEST(Convert, LegacyUserBankToSectionedListsWhatIsLost) {
+    qzrbank_test::TempFolder folder;
+    const std::string input = qzrbank_test::ExamplesBank() + "/user-pro.bnk";
+    const std::string output = folder / "User-IMM.bnk";
+    const Output result = Convert(input, output);
+    ASSERT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_EQ(result.err, "");
+    EXPECT_NE(result.out.find("converted 6 machines: "), std::string::npos);
+    EXPECT_NE(result.out.find("not carried by a sectioned IMM user bank, so lost: TimeConstFR, "
+                              "TimeConstIP, NozzleVolume, MaxPressureSlope"),
+              std::string::npos);
+    EXPECT_NE(result.out.find("  Dravinsk - DR 120: lost TimeConstFR 0.03 sec, TimeConstIP 0.15 "
+                              "sec, NozzleVolume 3.2 cm3"),
+              std::string::npos)
+        << result.out;
+    ExpectSameCarriedAttributes(Load(qzrbank::BankLoad::OldIMMUser, input),
+                                Load(qzrbank::BankLoad::IMMUser, output));
+    const std::string written = qzrbank_test::ReadFile(output);
+    EXPECT_NE(written.find("CreateBy   = qzrbank convert\r\n"), std::string::npos);
+    EXPECT_NE(written.find("Remark     = Converted from user-pro.bnk\r\n"), std::string::npos);
+}
+
+// Sectioned -> legacy -> sectioned -> legacy: after the first conversion nothing more is lost,
+// so the two legacy banks are the same bytes.
+TEST(Convert, RoundTripsSettleAfterTheFirstConversion) {
+    qzrbank_test::TempFolder folder;
+    const std::string input = qzrbank_test::ExamplesBank() + "/User-IMM.bnk";
+    const Output first = Convert(input, folder / "first.bnk");
+    ASSERT_EQ(first.exitCode, 0) << first.err;
+    EXPECT_NE(first.out.find("not carried by a legacy user bank, so lost: Controller, ShotVolume, "
+                             "HoldingPressure"),
+              std::string::npos);
+    EXPECT_NE(first.out.find("Kemberline - KL-110e: lost Controller 2, HoldingPressure 196"),
+              std::string::npos);
+    ASSERT_EQ(Convert(folder / "first.bnk", folder / "middle.bnk").exitCode, 0);
+    ASSERT_EQ(Convert(folder / "middle.bnk", folder / "last.bnk").exitCode, 0);
+    EXPECT_EQ(qzrbank_test::ReadFile(folder.Path() / "first.bnk"),
+              qzrbank_test::ReadFile(folder.Path() / "last.bnk"));
+    ExpectSameCarriedAttributes(Load(qzrbank::BankLoad::IMMUser, input),
+                                Load(qzrbank::BankLoad::OldIMMUser, folder / "first.bnk"));
+    // Only the output is left: the temporary folder of the legacy save is gone.
+    int entries = 0;
+    for (const auto& entry : fs::directory_iterator(folder.Path())) {
+        EXPECT_EQ(entry.path().extension(), ".bnk") << entry.path();
+        ++entries;
+    }
+    EXPECT_EQ(entries, 3);
+}
+
+TEST(Convert, ASystemBankConvertsToo) {
+    qzrbank_test::TempFolder folder;
+    const std::string input = qzrbank_test::ExamplesBank() + "/Machine/IMM/Quillner.bnk";
+    const Output result = Convert(input, folder / "user-pro.bnk");
+    ASSERT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_NE(result.out.find("(IMMSystemBankFiles) -> "), std::string::npos);
+    EXPECT_EQ(Load(qzrbank::BankLoad::OldIMMUser, folder / "user-pro.bnk").size(), 8u);
+}
+
+TEST(Convert, AReplacedFileIsKeptAsBak) {
+    for (const char* input : {"/user-pro.bnk", "/User-IMM.bnk"}) {
+        SCOPED_TRACE(input);
+        qzrbank_test::TempFolder folder;
+        qzrbank_test::WriteFile(folder.Path() / "out.bnk", "previous content\n");
+        ASSERT_EQ(Convert(qzrbank_test::ExamplesBank() + input, folder / "out.bnk").exitCode, 0);
+        EXPECT_EQ(qzrbank_test::ReadFile(folder.Path() / "out.bnk.bak"), "previous content\n");
+        EXPECT_NE(qzrbank_test::ReadFile(folder.Path() / "out.bnk"), "previous content\n");
+    }
+}
+
+TEST(Convert, TextsThatBreakALegacyRowAreWarnedAndCaught) {
+    qzrbank_test::TempFolder folder;
+    const Output result = Convert(ToolData("sectioned_comma_in_maker.bnk"), folder / "out.bnk");
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_NE(result.err.find("warning: Varnholt, Sons - VH-50: Maker \"Varnholt, Sons\" holds a "
+                              "comma"),
+              std::string::npos)
+        << result.err;
+    EXPECT_NE(result.err.find("holds \"Version\""), std::string::npos);
+    EXPECT_NE(result.err.find("reads back 0 of 1 machines intact"), std::string::npos);
+}
+
+TEST(Convert, Refusals) {
+    qzrbank_test::TempFolder folder;
+    const std::string bank = qzrbank_test::ExamplesBank();
+    struct Row {
+        const char* label;
+        std::string input;
+        std::string output;
+        const char* error;
+    };
+    const std::vector<Row> rows = {
+        {"a transfer-moulding bank", bank + "/User-RTMIC.bnk", folder / "a.bnk",
+         "a bank of kind RTMUserBank"},
+        {"not a bank", ToolData("header_unknown.bnk"), folder / "b.bnk", "not a bank"},
+        {"a missing input", ToolData("missing.bnk"), folder / "c.bnk", "no such file"},
+        {"an output folder", bank + "/user-pro.bnk", folder.Path().string(), "must name a new"},
+        {"the input itself", bank + "/user-pro.bnk", bank + "/user-pro.bnk", "must name a new"},
+        {"a refused input", ToolData("legacy_totalno_in_user_bank.bnk"), folder / "d.bnk",
+         "refused by its loader"},
+        {"an output in a missing folder", bank + "/user-pro.bnk", folder / "none/e.bnk",
+         "cannot write"},
+        {"a legacy output in a missing folder", bank + "/User-IMM.bnk", folder / "none/f.bnk",
+         "cannot make a temporary folder"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.label);
+        const Output result = Convert(row.input, row.output);
+        EXPECT_EQ(result.exitCode, 2);
+        EXPECT_EQ(result.out, "");
+        EXPECT_NE(result.err.find(row.error), std::string::npos) << result.err;
+        EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << result.err;
+    }
+    int entries = 0;
+    for (const auto& entry : fs::directory_iterator(folder.Path())) {
+        ADD_FAILURE() << "left behind: " << entry.path();
+        ++entries;
+    }
+    EXPECT_EQ(entries, 0);
+}
+
+}  // namespace
