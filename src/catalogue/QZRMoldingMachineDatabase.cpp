@@ -53,7 +53,8 @@ CQZRMoldingMachineDatabase::CQZRMoldingMachineDatabase(const CQZRMoldingMachineD
       m_fileRelease(other.m_fileRelease),
       m_fileCreateBy(other.m_fileCreateBy),
       m_fileRemark(other.m_fileRemark),
-      m_initialized(other.m_initialized) {
+      m_initialized(other.m_initialized),
+      m_machineCount(other.m_machineCount) {
     m_groups.reserve(other.m_groups.size());
     for (const std::unique_ptr<CQZRMoldingMachineMaker>& group : other.m_groups) {
         m_groups.push_back(std::make_unique<CQZRMoldingMachineMaker>(*group));
@@ -76,6 +77,9 @@ CQZRMoldingMachineDatabase& CQZRMoldingMachineDatabase::operator=(
         m_fileRemark.swap(copy.m_fileRemark);
         std::swap(m_initialized, copy.m_initialized);
         m_groups.swap(copy.m_groups);
+        std::swap(m_machineCount, copy.m_machineCount);
+        m_makerNames.Invalidate();
+        m_groupStarts.Invalidate();
     }
     return *this;
 }
@@ -146,12 +150,8 @@ std::optional<std::size_t> CQZRMoldingMachineDatabase::FindMakerByID(int makerId
 
 std::optional<std::size_t> CQZRMoldingMachineDatabase::FindMakerByName(const char* maker,
                                                                        std::size_t from) const {
-    for (std::size_t group = from; group < m_groups.size(); ++group) {
-        if (qzr::records::NamesEqual(m_groups[group]->GetName(), maker)) {
-            return group;
-        }
-    }
-    return std::nullopt;
+    return m_makerNames.Find(maker, from, m_groups.size(),
+                             [this](std::size_t group) { return m_groups[group]->GetName(); });
 }
 
 std::optional<CQZRMoldingMachineDatabase::MachineSlot>
@@ -159,15 +159,13 @@ CQZRMoldingMachineDatabase::FindMachineByIndex(int machineIndex) const {
     if (machineIndex < 0) {
         return std::nullopt;
     }
-    std::size_t remaining = static_cast<std::size_t>(machineIndex);
-    for (std::size_t group = 0; group < m_groups.size(); ++group) {
-        const std::size_t size = m_groups[group]->GetMachineCount();
-        if (remaining < size) {
-            return MachineSlot{group, remaining};
-        }
-        remaining -= size;
+    const std::optional<GroupStarts::Slot> slot = m_groupStarts.Find(
+        static_cast<std::size_t>(machineIndex), m_groups.size(),
+        [this](std::size_t group) { return m_groups[group]->GetMachineCount(); });
+    if (!slot) {
+        return std::nullopt;
     }
-    return std::nullopt;
+    return MachineSlot{slot->group, slot->machine};
 }
 
 std::optional<CQZRMoldingMachineDatabase::MachineSlot> CQZRMoldingMachineDatabase::FindMachineByID(
@@ -190,11 +188,7 @@ std::optional<std::size_t> CQZRMoldingMachineDatabase::FindMachineByGrade(std::s
 }
 
 std::size_t CQZRMoldingMachineDatabase::CountMachines() const {
-    std::size_t total = 0;
-    for (const std::unique_ptr<CQZRMoldingMachineMaker>& group : m_groups) {
-        total += group->GetMachineCount();
-    }
-    return total;
+    return m_machineCount;
 }
 
 template <class Visitor>
@@ -239,8 +233,13 @@ bool CQZRMoldingMachineDatabase::AddRecord(Record& machine) {
     machine.SetMakerID(group.GetID());
     // A maker already filed under the other kind keeps its group as it is: the machine is
     // not stored, yet the add counts as done, as hosts of the DLL expect.
-    if (Passes(group, FilterFor<Record>())) {
-        group.AddMachine(machine);
+    if (Passes(group, FilterFor<Record>()) && group.AddMachine(machine)) {
+        ++m_machineCount;
+        if (*found + 1 == m_groups.size()) {
+            m_groupStarts.LastGroupGrew();
+        } else {
+            m_groupStarts.Invalidate();
+        }
     }
     return true;
 }
@@ -257,6 +256,9 @@ bool CQZRMoldingMachineDatabase::AddRecordToNewMaker(Record& machine) {
     }
     group->AddMachine(machine);
     m_groups.push_back(std::move(group));
+    ++m_machineCount;
+    m_groupStarts.GroupAppended();
+    m_makerNames.Appended(m_groups.back()->GetName(), m_groups.size() - 1);
     return true;
 }
 
@@ -428,7 +430,16 @@ bool CQZRMoldingMachineDatabase::SetCurrentMachineData(int machineIndex, const C
 
 bool CQZRMoldingMachineDatabase::RemoveMachine(int machineId) {
     const std::optional<MachineSlot> slot = FindMachineByID(machineId, KindFilter::AnyKind);
-    return slot && m_groups[slot->group]->RemoveMachineAt(slot->machine);
+    return slot && RemoveMachineAt(*slot);
+}
+
+bool CQZRMoldingMachineDatabase::RemoveMachineAt(MachineSlot slot) {
+    if (!m_groups[slot.group]->RemoveMachineAt(slot.machine)) {
+        return false;
+    }
+    --m_machineCount;
+    m_groupStarts.Invalidate();
+    return true;
 }
 
 bool CQZRMoldingMachineDatabase::RemoveMachine(const char* maker, const char* grade) {
@@ -436,7 +447,7 @@ bool CQZRMoldingMachineDatabase::RemoveMachine(const char* maker, const char* gr
     for (std::optional<std::size_t> group = FindMakerByName(maker); group;
          group = FindMakerByName(maker, *group + 1)) {
         if (const std::optional<std::size_t> position = FindMachineByGrade(*group, grade)) {
-            return m_groups[*group]->RemoveMachineAt(*position);
+            return RemoveMachineAt(MachineSlot{*group, *position});
         }
     }
     return false;
@@ -446,7 +457,10 @@ bool CQZRMoldingMachineDatabase::RemoveMakerAt(std::optional<std::size_t> group)
     if (!group) {
         return false;
     }
+    m_machineCount -= m_groups[*group]->GetMachineCount();
     m_groups.erase(m_groups.begin() + static_cast<std::ptrdiff_t>(*group));
+    m_makerNames.Invalidate();
+    m_groupStarts.Invalidate();
     return true;
 }
 
@@ -464,6 +478,9 @@ bool CQZRMoldingMachineDatabase::RemoveMaker(const char* maker) {
 
 bool CQZRMoldingMachineDatabase::RemoveAllMaker() {
     m_groups.clear();
+    m_machineCount = 0;
+    m_makerNames.Invalidate();
+    m_groupStarts.Invalidate();
     // The texts stay: a host that empties a catalogue to reload it keeps its name and remark,
     // while the next load takes version, format and type from its file again.
     m_fileVersion = -1;

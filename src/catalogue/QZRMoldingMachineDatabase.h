@@ -16,6 +16,8 @@
 #include <QZRMachine/QZRIM.h>
 #include <QZRMachine/QZRRTM.h>
 
+#include "catalogue/GroupStarts.h"
+#include "catalogue/MakerNameIndex.h"
 #include "catalogue/QZRMoldingMachineMaker.h"
 
 class CQZRMoldingMachineDatabase {
@@ -120,8 +122,9 @@ class CQZRMoldingMachineDatabase {
         std::size_t machine;
     };
 
-    // The only code that walks the groups and their machines. Every lookup goes through one
-    // of these, each returning the first match in list order.
+    // The only code that finds groups and machines. Every lookup goes through one of these,
+    // each returning the first match in list order. The lookups by maker name and by global
+    // machine index answer from the two indexes below instead of walking every group.
     std::optional<std::size_t> FindMakerByPosition(int makerPosition) const;
     std::optional<std::size_t> FindMakerByID(int makerId) const;
     // Starts the walk at group position `from`, so that a caller can go on past a match.
@@ -159,6 +162,7 @@ class CQZRMoldingMachineDatabase {
     template <class Record>
     bool HasMachineName(const Record& machine) const;
     bool RemoveMakerAt(std::optional<std::size_t> group);
+    bool RemoveMachineAt(MachineSlot slot);
 
     int m_fileVersion = 0;
     int m_fileFormat = 0;
@@ -171,6 +175,12 @@ class CQZRMoldingMachineDatabase {
     bool m_initialized = false;
     // Owned through pointers so that a group's name text stays put while the list changes.
     std::vector<std::unique_ptr<CQZRMoldingMachineMaker>> m_groups;
+    // The number of machines of all groups, kept with every change.
+    std::size_t m_machineCount = 0;
+    // Indexes over m_groups, built on demand by the const lookups; every change of the groups
+    // either keeps them up to date or invalidates them.
+    mutable MakerNameIndex m_makerNames;
+    mutable GroupStarts m_groupStarts;
 };
 
 #endif  // QZR_CATALOGUE_QZRMOLDINGMACHINEDATABASE_H

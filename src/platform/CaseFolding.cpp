@@ -2,8 +2,16 @@
 
 #include <cctype>
 #include <climits>
+#include <clocale>
 #include <cstdlib>
 #include <cwchar>
+
+#if !defined(_WIN32)
+#include <locale.h>
+#if defined(__GLIBC__)
+#include <langinfo.h>
+#endif
+#endif
 
 namespace qzr::platform {
 
@@ -52,6 +60,23 @@ void FoldCaseInPlace(std::string* text) {
         }
         pos += length;  // a multibyte character is kept whole, its trail bytes untouched
     }
+}
+
+const char* FoldingLocaleName() {
+#if defined(_WIN32)
+    // With per-thread locales enabled, setlocale answers for the calling thread.
+    return std::setlocale(LC_CTYPE, nullptr);
+#else
+    const locale_t current = uselocale(static_cast<locale_t>(0));
+    if (current == LC_GLOBAL_LOCALE) {
+        return std::setlocale(LC_CTYPE, nullptr);
+    }
+#if defined(__GLIBC__)
+    return nl_langinfo_l(_NL_LOCALE_NAME(LC_CTYPE), current);
+#else
+    return nullptr;  // a thread's own locale whose name this C library does not tell
+#endif
+#endif
 }
 
 std::string FoldCase(std::string_view text) {

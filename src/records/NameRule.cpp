@@ -28,4 +28,10 @@ bool NamesEqual(const char* first, const char* second) {
     return platform::FoldCase(a) == platform::FoldCase(b);
 }
 
+// Lower-casing keeps a text's length and depends on nothing but the text and the locale, so
+// FoldCase(a) == FoldCase(b) holds exactly when NamesEqual(a, b) does.
+std::string NameKey(std::string_view name) {
+    return platform::FoldCase(name);
+}
+
 }  // namespace qzr::records

@@ -5,10 +5,19 @@
 #ifndef QZR_RECORDS_NAMERULE_H
 #define QZR_RECORDS_NAMERULE_H
 
+#include <string>
+#include <string_view>
+
 namespace qzr::records {
 
 // False when either text is null, even when both are.
 bool NamesEqual(const char* first, const char* second);
+
+// The text that two present names share exactly when NamesEqual holds for them: the name
+// lower-cased under the current locale (the same folding NamesEqual compares). A table keyed by
+// it answers NamesEqual lookups; it is good only while the locale stays the one it was built in
+// (see platform::FoldingLocaleName).
+std::string NameKey(std::string_view name);
 
 }  // namespace qzr::records
 
