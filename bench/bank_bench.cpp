@@ -19,9 +19,11 @@
 #include <cstring>
 #include <filesystem>
 #include <functional>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <new>
+#include <regex>
 #include <string>
 #include <vector>
 
@@ -101,6 +103,15 @@ namespace {
 namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 
+// The CPU time of the calling thread, user and system (the system's share is the reading and
+// writing of the files and the page faults of new memory): the machine is shared, and CPU time
+// keeps other processes' load out of the results far better than wall time.
+double ThreadSeconds() {
+    timespec now{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
+}
+
 constexpr double kMiB = 1024.0 * 1024.0;
 // Sections beyond this number are never read from one sectioned bank file.
 constexpr std::size_t kMaxSectionsPerFile = 65535;
@@ -114,6 +125,7 @@ struct Options {
     int repetitions = 5;
     double minTime = 0.3;
     bool memory = true;
+    std::string filter;  // --benchmark_filter, to probe the memory of the chosen cases only
 };
 
 // -------------------------------------------------------------------------------------------
@@ -432,7 +444,8 @@ MemoryResult MemoryProbe(const Case& c, const SizeData& data) {
 // Timing.
 
 struct Timed {
-    double seconds = 0;  // median per operation
+    double seconds = 0;      // median CPU time per operation
+    double wallSeconds = 0;  // median wall time per operation
     Work work;
     MemoryResult memory;
 };
@@ -469,7 +482,10 @@ class MedianCollector : public benchmark::ConsoleReporter {
                     case benchmark::kSecond:
                         break;
                 }
-                g_results[run.run_name.function_name].seconds = seconds;
+                Timed& timed = g_results[run.run_name.function_name];
+                timed.seconds = seconds;
+                const auto wall = run.counters.find("wall_ms");
+                timed.wallSeconds = wall != run.counters.end() ? wall->second.value * 1e-3 : 0;
             }
         }
         ConsoleReporter::ReportRuns(runs);
@@ -484,15 +500,20 @@ void RegisterCase(const Case& c, const SizeData& data, const Options& options) {
             CaseState state;
             c.setup(data, state);
             Work work;
+            double wallSeconds = 0;
             for (auto _ : st) {
                 ResetBetweenRuns(c, data, state);
                 const Clock::time_point start = Clock::now();
+                const double cpuStart = ThreadSeconds();
                 work = c.run(data, state);
+                const double cpuEnd = ThreadSeconds();
                 const Clock::time_point end = Clock::now();
-                st.SetIterationTime(std::chrono::duration<double>(end - start).count());
+                st.SetIterationTime(cpuEnd - cpuStart);
+                wallSeconds += std::chrono::duration<double>(end - start).count();
             }
             g_results[name].work = work;
             st.counters["machines"] = static_cast<double>(work.machines);
+            st.counters["wall_ms"] = 1e3 * wallSeconds / static_cast<double>(st.iterations());
         })
         ->UseManualTime()
         ->Unit(benchmark::kMillisecond)
@@ -556,55 +577,68 @@ std::string MemoryVerdict(const std::string& caseName, const Timed& timed) {
     return "-";
 }
 
+// One row of the table, its cells in the order of kColumns.
+const char* const kColumns[] = {"case",       "N",        "cpu ms",   "wall ms",  "MB/s",
+                                "machines/s", "ref ms",   "x ref",    "target",   "met",
+                                "peak MiB",   "kept MiB", "file MiB", "RSS+ MiB", "mem"};
+
+void PrintRow(const std::vector<std::string>& cells) {
+    std::string line = "|";
+    for (const std::string& cell : cells) {
+        line += " " + cell + " |";
+    }
+    std::printf("%s\n", line.c_str());
+}
+
+double ReferenceSeconds(const std::vector<Case>& cases, const Case& c, std::size_t n) {
+    for (const Case& r : cases) {
+        if (!c.referenceName.empty() && r.name == c.referenceName) {
+            const auto ref = g_results.find(BenchmarkName(r, n));
+            return ref != g_results.end() ? ref->second.seconds : 0;
+        }
+    }
+    return 0;
+}
+
+// Markdown, so that the table can be pasted as it is.
 void PrintTable(const std::vector<Case>& cases, const std::vector<SizeData>& sizes) {
-    std::printf("\n%-30s %7s %10s %9s %10s %8s %7s %-13s %4s %9s %9s %9s %9s %4s\n", "case", "N",
-                "median ms", "MB/s", "machines/s", "ref ms", "x ref", "target", "met", "peak MiB",
-                "kept MiB", "file MiB", "RSS+ MiB", "mem");
+    std::printf("\n");
+    PrintRow(std::vector<std::string>(std::begin(kColumns), std::end(kColumns)));
+    PrintRow(std::vector<std::string>(std::size(kColumns), "---"));
+    auto mib = [](double bytes) { return Fixed(bytes / kMiB, 1); };
     for (const Case& c : cases) {
         for (const SizeData& data : sizes) {
             const auto found = g_results.find(BenchmarkName(c, data.n));
-            if (found == g_results.end()) {
+            if (found == g_results.end() || found->second.seconds <= 0) {
                 continue;
             }
             const Timed& t = found->second;
-            double referenceSeconds = 0;
-            if (!c.referenceName.empty()) {
-                for (const Case& r : cases) {
-                    if (r.name == c.referenceName) {
-                        const auto ref = g_results.find(BenchmarkName(r, data.n));
-                        if (ref != g_results.end()) {
-                            referenceSeconds = ref->second.seconds;
-                        }
-                    }
-                }
-            }
+            const double referenceSeconds = ReferenceSeconds(cases, c, data.n);
             const double ratio = referenceSeconds > 0 ? t.seconds / referenceSeconds : 0;
-            const double mbs =
-                t.work.bytes > 0 && t.seconds > 0 ? t.work.bytes / kMiB / t.seconds : 0;
-            const double perSecond =
-                !c.isReference && t.seconds > 0 ? t.work.machines / t.seconds : 0;
+            const double mbs = t.work.bytes > 0 ? t.work.bytes / kMiB / t.seconds : 0;
+            const double perSecond = !c.isReference ? t.work.machines / t.seconds : 0;
             const Target target = c.isReference ? Target{"", nullptr} : TargetOf(c.name);
-            const std::string met = target.holds ? (target.holds(t, ratio) ? "yes" : "NO") : "";
-            std::printf("%-30s %7zu %10s %9s %10s %8s %7s %-13s %4s %9s %9s %9s %9s %4s\n",
-                        c.name.c_str(), data.n, Fixed(t.seconds * 1e3, 3).c_str(),
-                        mbs > 0 ? Fixed(mbs, 0).c_str() : "-", Rate(perSecond).c_str(),
-                        referenceSeconds > 0 ? Fixed(referenceSeconds * 1e3, 3).c_str() : "-",
-                        ratio > 0 ? Fixed(ratio, 2).c_str() : "-", target.text, met.c_str(),
-                        t.memory.valid ? Fixed(t.memory.peakHeap / kMiB, 1).c_str() : "-",
-                        t.memory.valid ? Fixed(t.memory.retainedHeap / kMiB, 1).c_str() : "-",
-                        t.work.bytes > 0 ? Fixed(t.work.bytes / kMiB, 1).c_str() : "-",
-                        t.memory.valid ? Fixed(t.memory.rssGrowth / kMiB, 1).c_str() : "-",
-                        MemoryVerdict(c.name, t).c_str());
+            const bool memory = t.memory.valid;
+            PrintRow({c.name, std::to_string(data.n), Fixed(t.seconds * 1e3, 2),
+                      Fixed(t.wallSeconds * 1e3, 2), mbs > 0 ? Fixed(mbs, 0) : "-", Rate(perSecond),
+                      referenceSeconds > 0 ? Fixed(referenceSeconds * 1e3, 2) : "-",
+                      ratio > 0 ? Fixed(ratio, 2) : "-", target.text,
+                      target.holds ? (target.holds(t, ratio) ? "yes" : "NO") : "",
+                      memory ? mib(t.memory.peakHeap) : "-",
+                      memory ? mib(t.memory.retainedHeap) : "-",
+                      t.work.bytes > 0 ? mib(static_cast<double>(t.work.bytes)) : "-",
+                      memory ? mib(t.memory.rssGrowth) : "-", MemoryVerdict(c.name, t)});
         }
     }
     std::printf(
-        "\nmedian ms: median of the repetitions, one operation. x ref: time over the reference "
-        "pass on the same file(s), same N.\npeak MiB: heap high-water mark above the start of "
-        "the operation (operator new accounting, one run in a child process);\nkept MiB: heap "
-        "still in use after it (for a load, the catalogue); RSS+ MiB: VmHWM growth over VmRSS "
-        "at the start.\nmem: a load peaks at most at catalogue + file size, a save at most 1 "
-        "MiB above the catalogue it starts from.\nSectioned loads read at most %zu machine "
-        "sections of one file.\n",
+        "\ncpu ms / wall ms: medians over the repetitions of one operation's CPU time (user and "
+        "system, of the thread) and wall time.\nx ref: CPU time over that of the reference pass "
+        "on the same file(s) at the same N. machines/s: machines loaded, saved or visited.\n"
+        "peak MiB: heap high-water mark above the start of the operation (operator new "
+        "accounting, one run in a child process);\nkept MiB: heap still in use after it (for a "
+        "load, the catalogue); RSS+ MiB: VmHWM growth over VmRSS at the start.\nmem: a load "
+        "peaks at most at catalogue + file size, a save at most 1 MiB above the catalogue it "
+        "starts from.\nSectioned loads read at most %zu machine sections of one file.\n",
         kMaxSectionsPerFile);
 }
 
@@ -636,6 +670,9 @@ Options ParseOptions(int* argc, char** argv) {
         } else if (arg == "--no-memory") {
             options.memory = false;
         } else {
+            if (const char* filter = value("--benchmark_filter=")) {
+                options.filter = filter;
+            }
             argv[kept++] = argv[i];
         }
     }
@@ -667,8 +704,10 @@ int main(int argc, char** argv) {
     if (options.memory) {
         for (const Case& c : cases) {
             for (const SizeData& data : sizes) {
-                if (!c.isReference) {
-                    memory[BenchmarkName(c, data.n)] = MemoryProbe(c, data);
+                const std::string name = BenchmarkName(c, data.n);
+                if (!c.isReference && (options.filter.empty() ||
+                                       std::regex_search(name, std::regex(options.filter)))) {
+                    memory[name] = MemoryProbe(c, data);
                 }
             }
         }
