@@ -84,13 +84,15 @@ TEST(HostileFiles, EveryLoadGivesADefinedResult) {
     };
     const size_t kMiB = 1024 * 1024;
     const std::string filler = "Filler = " + std::string(90, 'f') + "\r\n";
+    const std::string junkRow = "1,junk," + std::string(90, 'j') + "\r\n";
     const Row rows[] = {
         // 30 MB after two machines: the scan reads it all, memory stays small.
         {"huge_sectioned.bnk",
          SectionedHeader(1, 0) + Machine(1) + Machine(2) +
              Repeat(filler, 30 * kMiB / filler.size()),
          "- - 2 - 0 0"},
-        {"huge_legacy.bnk", kOldUserHead + std::string(kOldRow) + Repeat("1,x\r\n", 6 * kMiB),
+        {"huge_legacy.bnk",
+         kOldUserHead + std::string(kOldRow) + Repeat(junkRow, 30 * kMiB / junkRow.size()),
          "- 1 - - 0 0"},
         // A megabyte-long line is read in pieces; the value keeps the first piece's part.
         {"megabyte_value.bnk",

@@ -5,7 +5,12 @@
 // completely in place.
 #include <gtest/gtest.h>
 
+#if !defined(_WIN32)
+#include <unistd.h>
+#endif
+
 #include <algorithm>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <string>
@@ -220,5 +225,67 @@ TEST(SaveFaults, EveryFailingOperationKeepsThePreviousBank) {
         }
     }
 }
+
+#if !defined(_WIN32)
+// What stands at the target and beside it before a save, and what the save makes of it.
+TEST(SaveFaults, TargetAndStaleTemporaryFile) {
+    namespace fs = std::filesystem;
+    const bool root = ::geteuid() == 0;  // root writes into read-only files, as fopen did
+    struct Row {
+        const char* label;
+        std::function<void(const ScratchFolder&)> prepare;
+        bool saved;
+        fs::perms mode;  // of the target afterwards
+    };
+    const auto bank = [](const ScratchFolder& f) { f.Write("User-IMM.bnk", "old bank\r\n"); };
+    const auto withMode = [&bank](fs::perms mode) {
+        return [&bank, mode](const ScratchFolder& f) {
+            bank(f);
+            fs::permissions(f.File("User-IMM.bnk"), mode);
+        };
+    };
+    const fs::perms rw_r = fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read;
+    const fs::perms r = fs::perms::owner_read;
+    const Row rows[] = {
+        {"the new bank keeps the target's permissions", withMode(rw_r), true, rw_r},
+        {"a read-only target is refused, not replaced", withMode(r), root, r},
+        {"a stale read-only temporary file is replaced",
+         [&bank](const ScratchFolder& f) {
+             bank(f);
+             f.Write("User-IMM.bnk.tmp", "stale");
+             fs::permissions(f.File("User-IMM.bnk.tmp"), r);
+         },
+         true, fs::perms::none},
+        {"a temporary name linked elsewhere is not written through",
+         [&bank](const ScratchFolder& f) {
+             bank(f);
+             f.Write("victim.txt", "victim");
+             fs::create_symlink(f.File("victim.txt"), f.File("User-IMM.bnk.tmp"));
+         },
+         true, fs::perms::none},
+    };
+    CQZRMoldingMachineCtrl catalogue;
+    FillUserCatalogue(catalogue, false, 9000, 3);
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.label);
+        ScratchFolder folder;
+        row.prepare(folder);
+        const FolderSnapshot before = folder.Snapshot();
+        CQZRMoldingMachineIO io;
+        EXPECT_EQ(io.SaveIMMUserDatabase(folder.File("User-IMM.bnk").c_str(), &catalogue),
+                  row.saved);
+        FolderSnapshot after = folder.Snapshot();
+        EXPECT_EQ(after.count("User-IMM.bnk.tmp"), 0u);
+        EXPECT_EQ(after["User-IMM.bnk.bak"], "old bank\r\n");
+        EXPECT_EQ(after["User-IMM.bnk"] != "old bank\r\n", row.saved);
+        if (row.mode != fs::perms::none) {
+            EXPECT_EQ(fs::status(folder.File("User-IMM.bnk")).permissions(), row.mode);
+        }
+        if (before.count("victim.txt") != 0) {
+            EXPECT_EQ(after["victim.txt"], "victim");
+        }
+    }
+}
+#endif
 
 }  // namespace
