@@ -158,6 +158,12 @@ class WindowsEnv : public Env {
         if (handle == INVALID_HANDLE_VALUE) {
             return nullptr;
         }
+        // Only files are read: a device (CON would wait for the keyboard, NUL) or a pipe is
+        // refused, as on POSIX.
+        if (::GetFileType(handle) != FILE_TYPE_DISK) {
+            ::CloseHandle(handle);
+            return nullptr;
+        }
         return std::make_unique<WindowsReadableFile>(handle);
     }
 
