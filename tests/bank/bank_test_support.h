@@ -13,7 +13,6 @@
 #include <string>
 #include <string_view>
 
-#include "platform/Env.h"
 #include "platform/EnvWrapper.h"
 
 namespace qzr::bank::testing {
@@ -35,21 +34,17 @@ class TempFolder {
     TempFolder(const TempFolder&) = delete;
     TempFolder& operator=(const TempFolder&) = delete;
 
-    // The folder without a trailing separator.
-    std::string Folder() const { return m_path.string(); }
+    std::string Folder() const { return m_path.string(); }  // without a trailing separator
     std::string File(std::string_view name) const { return (m_path / name).string(); }
     bool Exists(std::string_view name) const { return std::filesystem::exists(m_path / name); }
     void MakeFolder(std::string_view name) const {
         std::filesystem::create_directories(m_path / name);
     }
-
-    // Writes the bytes as they stand (making parent folders) and returns the file's path.
+    // Writes the bytes as they stand, making parent folders, and returns the file's path.
     std::string Write(std::string_view name, std::string_view bytes) const {
-        const std::filesystem::path path = m_path / name;
-        std::filesystem::create_directories(path.parent_path());
-        std::ofstream(path, std::ios::binary)
-            .write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-        return path.string();
+        std::filesystem::create_directories((m_path / name).parent_path());
+        std::ofstream(m_path / name, std::ios::binary) << bytes;
+        return File(name);
     }
     std::string Read(std::string_view name) const {
         std::ifstream in(m_path / name, std::ios::binary);
@@ -64,20 +59,15 @@ class TempFolder {
 inline std::string Lines(std::initializer_list<std::string_view> lines,
                          std::string_view end = "\r\n") {
     std::string text;
-    for (std::string_view line : lines) {
-        text.append(line).append(end);
-    }
+    for (std::string_view line : lines) text.append(line).append(end);
     return text;
 }
 
-// While one of these lives every save is stamped 2 January 1980, 02:03:55 UTC.
-constexpr int64_t kFixedSaveTime = 315626635;
-constexpr std::string_view kFixedTimeStamp = "Wed Jan 02 02:03:55 1980";
-
+// While one lives, every save is stamped "Wed Jan 02 02:03:55 1980" (UTC).
 class FixedClock : public qzr::platform::EnvWrapper {
   public:
     FixedClock() : EnvWrapper(qzr::platform::Env::Default()), m_override(this) {}
-    int64_t NowUtcSeconds() override { return kFixedSaveTime; }
+    int64_t NowUtcSeconds() override { return 315626635; }
 
   private:
     qzr::platform::ScopedEnvOverride m_override;

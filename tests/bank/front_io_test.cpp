@@ -1,5 +1,5 @@
-// The exported load/save front, as a host uses it: argument checks, the fallbacks after failed
-// user-bank loads, and the one reader that carries header values from load to load.
+// The exported load/save front, as a host uses it: argument checks and the fallbacks after
+// failed user-bank loads.
 #include <gtest/gtest.h>
 
 #include <QZRMachine/QZRMachine.h>
@@ -12,7 +12,6 @@
 
 namespace {
 
-using qzr::bank::testing::Lines;
 using qzr::bank::testing::TempFolder;
 
 using Member = std::function<bool(CQZRMoldingMachineIO&, const char*, CQZRMoldingMachineCtrl*)>;
@@ -81,29 +80,6 @@ TEST(Front, FailedUserLoadPreparesANewUserBank) {
         EXPECT_EQ(Attributes(catalogue), fallback) << "the initialized flag is left alone";
         EXPECT_TRUE(!save || save(front, (folder.Folder() + "/").c_str(), &catalogue));
     }
-}
-
-// One reader serves every load of a front: a "Type" that does not convert keeps the type of
-// the front's previous recognition. A copy of a front starts with a reader of its own.
-TEST(Front, HeaderValuesCarryOverBetweenLoads) {
-    TempFolder folder;
-    const std::string good = folder.Write(
-        "good.bnk", Lines({"[FileHeader]", "Version = 9000", "Format = 1", "Type = 0"}));
-    const std::string odd = folder.Write(
-        "odd.bnk", Lines({"[FileHeader]", "Version = 9000", "Format = 1", "Type = zero",
-                          "[Machine-1]", "Maker = Harlow", "Grade = odd"}));
-    CQZRMoldingMachineIO front;
-    CQZRMoldingMachineCtrl catalogue;
-    EXPECT_FALSE(front.LoadIMMUserDatabase(odd.c_str(), &catalogue)) << "type -1: no kind";
-    ASSERT_TRUE(front.LoadIMMUserDatabase(good.c_str(), &catalogue));
-    EXPECT_TRUE(front.LoadIMMUserDatabase(odd.c_str(), &catalogue)) << "type 0 carried over";
-    EXPECT_EQ(catalogue.GetTotalMachine(), 1);
-    CQZRMoldingMachineIO copy(front);
-    EXPECT_FALSE(copy.LoadIMMUserDatabase(odd.c_str(), &catalogue));
-    CQZRMoldingMachineIO assigned;
-    ASSERT_TRUE(assigned.LoadIMMUserDatabase(good.c_str(), &catalogue));
-    assigned = front;
-    EXPECT_FALSE(assigned.LoadIMMUserDatabase(odd.c_str(), &catalogue));
 }
 
 }  // namespace

@@ -12,7 +12,6 @@
 #include "bank/QZRMoldingMachineReader.h"
 #include "bank/QZRMoldingMachineWriter.h"
 #include "bank_test_support.h"
-#include "catalogue/QZRMoldingMachineCtrlAccess.h"
 
 namespace {
 
@@ -177,29 +176,6 @@ TEST(LegacyWriter, BytesAndRoundTrip) {
         ASSERT_TRUE(Load(kUser, folder.File("Bank/user-pro.bnk"), &catalogue));
     }
     EXPECT_EQ(folder.Read("Bank/user-pro.bnk.bak"), bank);
-}
-
-// Any version below 9000 is written as 7007; other banks, or a catalogue without a store,
-// are refused and nothing is written.
-TEST(LegacyWriter, WritesOnlyLegacyUserBanksOfInjectionMoulding) {
-    const int rows[][4] = {{1000, 1, 0, 1}, {8999, 1, 0, 1}, {9000, 1, 0, 0},
-                           {7007, 0, 0, 0}, {7007, 1, 1, 0}, {7007, 1, 0, -1}};
-    for (const auto& [version, format, type, written] : rows) {
-        SCOPED_TRACE(std::to_string(version) + "/" + std::to_string(format) + "/" +
-                     std::to_string(type) + (written < 0 ? " without store" : ""));
-        TempFolder folder;
-        folder.MakeFolder("Bank");
-        CQZRMoldingMachineCtrl catalogue;
-        catalogue.SetFileVersion(version);
-        catalogue.SetFileFormat(format);
-        catalogue.SetFileType(type);
-        if (written < 0) CQZRMoldingMachineCtrlAccess::DropStore(catalogue);
-        const CQZRMoldingMachineWriter writer;
-        EXPECT_EQ(writer.WriteOldIMMUserDatabase((folder.Folder() + "/").c_str(), &catalogue),
-                  written > 0);
-        EXPECT_EQ(folder.Read("Bank/user-pro.bnk"), written > 0 ? kWrittenHead + "[EOF]\r\n" : "");
-        EXPECT_FALSE(writer.WriteOldIMMUserDatabase(nullptr, &catalogue));
-    }
 }
 
 }  // namespace

@@ -1,13 +1,17 @@
-// The save protocol every writer goes through, and the default bank paths.
+// The save protocol every writer goes through: default bank paths, the backup, and which
+// catalogues each writer takes.
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <filesystem>
+#include <iterator>
 #include <string>
 #include <vector>
 
 #include "bank/BankFileSave.h"
 #include "bank/QZRMoldingMachineWriter.h"
 #include "bank_test_support.h"
+#include "catalogue/QZRMoldingMachineCtrlAccess.h"
 
 namespace {
 
@@ -68,15 +72,42 @@ TEST(SaveProtocol, BackupHoldsThePreviousContent) {
     EXPECT_EQ(folder.Read("User-IMM.bnk.bak"), "second\r\n");
 }
 
-// A target that cannot be created fails the save, and nothing is left behind. (Faults in the
-// middle of a save are the reliability tests' subject.)
-TEST(SaveProtocol, TargetsThatCannotBeWritten) {
-    TempFolder folder;
-    EXPECT_FALSE(Save(folder.File("missing/User-IMM.bnk"), "x\n"));
-    EXPECT_FALSE(folder.Exists("missing"));
-    folder.MakeFolder("Bank");
-    EXPECT_FALSE(Save(folder.File("Bank"), "x\n")) << "a folder in the target's place";
-    EXPECT_FALSE(folder.Exists("Bank.bak"));
+// Each writer takes only a catalogue with a store whose attributes name its own kind of user
+// bank; the legacy writer writes version 7007 whatever version the catalogue has.
+TEST(SaveProtocol, EachWriterTakesOnlyItsOwnKindOfUserBank) {
+    const struct {
+        int version, format, type;
+        bool store;
+        const char* written;
+    } rows[] = {{1000, 1, 0, true, "legacy "}, {8999, 1, 0, true, "legacy "},
+                {9000, 1, 0, true, "IMM "},    {9500, 1, 1, true, "RTM "},
+                {7007, 0, 0, true, ""},        {7007, 1, 1, true, ""},
+                {9000, 0, 1, true, ""},        {9000, 1, 2, true, ""},
+                {7007, 1, 0, false, ""},       {9000, 1, 0, false, ""}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(std::to_string(row.version) + "/" + std::to_string(row.format) + "/" +
+                     std::to_string(row.type) + (row.store ? "" : " without store"));
+        TempFolder folder;
+        folder.MakeFolder("Bank");
+        CQZRMoldingMachineCtrl catalogue;
+        catalogue.SetFileVersion(row.version);
+        catalogue.SetFileFormat(row.format);
+        catalogue.SetFileType(row.type);
+        if (!row.store) CQZRMoldingMachineCtrlAccess::DropStore(catalogue);
+        const CQZRMoldingMachineWriter writer;
+        const std::string root = folder.Folder() + "/";
+        std::string written =
+            writer.WriteOldIMMUserDatabase(root.c_str(), &catalogue) ? "legacy " : "";
+        written += writer.WriteIMMUserDatabase((root + "Bank/User-IMM.bnk").c_str(), &catalogue)
+                       ? "IMM "
+                       : "";
+        written += writer.WriteRTMUserDatabase(root.c_str(), &catalogue) ? "RTM " : "";
+        EXPECT_EQ(written, row.written);
+        EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.File("Bank")), {}),
+                  written.empty() ? 0 : 1);
+        EXPECT_EQ(folder.Read("Bank/user-pro.bnk").substr(0, 24),
+                  written == "legacy " ? "[Header]\r\nVersion,7007\r\n" : "");
+    }
 }
 
 }  // namespace

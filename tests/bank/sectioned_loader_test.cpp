@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
 
 #include "bank/QZRMoldingMachineReader.h"
 #include "bank/QZRMoldingMachineWriter.h"
@@ -105,27 +104,6 @@ TEST(SectionedLoad, SystemBankFolder) {
     ASSERT_TRUE(reader.ReadIMMUserDatabase(folder.File("IMM/d.bnk").c_str(), &catalogue));
     EXPECT_EQ(Grades(catalogue), "a-1 a-2 B2-1 d-1 ");
     EXPECT_EQ(catalogue.GetFileFormat(), 0);
-}
-
-// Each user loader takes only a sectioned user bank of its own kind; one without machines
-// still gives the catalogue its attributes.
-TEST(SectionedLoad, UserBankAcceptsOnlyItsOwnKind) {
-    const std::pair<std::string, const char*> rows[] = {
-        {Bank(9000, 1, 0, ""), "IMM"}, {Bank(9000, 1, 1, ""), "RTM"},
-        {Bank(9000, 0, 0, ""), ""},    {Bank(8000, 1, 1, ""), ""},
-        {Bank(9000, 1, 2, ""), ""},    {Lines({"[Header]", "Version,7007", ""}), ""}};
-    TempFolder folder;
-    for (const auto& [content, accepted] : rows) {
-        SCOPED_TRACE(content.substr(0, 60));
-        const std::string path = folder.Write("u.bnk", content);
-        CQZRMoldingMachineCtrl imm;
-        CQZRMoldingMachineCtrl rtm;
-        CQZRMoldingMachineReader reader;
-        std::string got = reader.ReadIMMUserDatabase(path.c_str(), &imm) ? "IMM" : "";
-        got += reader.ReadRTMUserDatabase(path.c_str(), &rtm) ? "RTM" : "";
-        EXPECT_EQ(got, accepted);
-        EXPECT_EQ(imm.IsDatabaseInitialize() || rtm.IsDatabaseInitialize(), !got.empty());
-    }
 }
 
 // A user bank starts every machine afresh and stops at the first gap; every machine it adds

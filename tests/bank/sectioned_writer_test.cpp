@@ -7,7 +7,6 @@
 #include "bank/QZRMoldingMachineReader.h"
 #include "bank/QZRMoldingMachineWriter.h"
 #include "bank_test_support.h"
-#include "catalogue/QZRMoldingMachineCtrlAccess.h"
 
 namespace {
 
@@ -111,35 +110,6 @@ TEST(SectionedWriter, ReadWriteReadWriteGivesTheBankBack) {
     EXPECT_EQ(rtm.GetClampingForce(), 1500.0);
 }
 
-// Each catalogue is written only by the writer of its type, when it has a store and names a
-// sectioned user bank.
-TEST(SectionedWriter, RefusesCataloguesOfAnotherBank) {
-    struct Row {
-        int version, format, type;
-        bool withStore;
-    };
-    const Row rows[] = {{9000, 1, 0, true}, {9500, 1, 1, true}, {8999, 1, 0, true},
-                        {9000, 0, 1, true}, {9000, 1, 2, true}, {9000, 1, 0, false}};
-    for (const Row& row : rows) {
-        SCOPED_TRACE(std::to_string(row.version) + "/" + std::to_string(row.format) + "/" +
-                     std::to_string(row.type) + (row.withStore ? "" : " without store"));
-        CQZRMoldingMachineCtrl catalogue;
-        catalogue.SetFileVersion(row.version);
-        catalogue.SetFileFormat(row.format);
-        catalogue.SetFileType(row.type);
-        if (!row.withStore) CQZRMoldingMachineCtrlAccess::DropStore(catalogue);
-        for (int type : {0, 1}) {
-            const bool accepted =
-                row.withStore && row.version >= 9000 && row.format == 1 && row.type == type;
-            TempFolder folder;
-            EXPECT_EQ(Write(folder, &catalogue, type) != nullptr, accepted);
-            EXPECT_EQ(folder.Exists("User-IMM.bnk") || folder.Exists("Bank/User-RTMIC.bnk"),
-                      accepted);
-            EXPECT_FALSE(Write(folder, nullptr, type));
-        }
-    }
-}
-
 std::string SectionNumbers(const std::string& text) {
     std::string numbers;
     for (size_t at = text.find("[Machine-"); at != std::string::npos;
@@ -154,19 +124,18 @@ std::string SectionNumbers(const std::string& text) {
 TEST(SectionedWriter, OtherKindLeavesGapsInTheNumbering) {
     FixedClock clock;
     CQZRMoldingMachineCtrl catalogue;
-    CQZRIM first;
-    CQZRRTM second;
-    CQZRIM third;
-    first.SetMaker("Harlow");
-    second.SetMaker("Ostrava");
-    third.SetMaker("Kessling");
     catalogue.SetFileVersion(9000);
     catalogue.SetFileFormat(1);
-    catalogue.AddMachine(first);
-    catalogue.SetFileType(1);  // the file type decides the kind of a new maker group
-    catalogue.AddMachine(second);
+    for (const char* maker : {"Harlow", "Ostrava", "Kessling"}) {
+        CQZRIM imm;
+        CQZRRTM rtm;
+        imm.SetMaker(maker);
+        rtm.SetMaker(maker);
+        // The file type decides the kind of a new maker group: Ostrava's is transfer moulding.
+        catalogue.SetFileType(maker[0] == 'O' ? 1 : 0);
+        maker[0] == 'O' ? catalogue.AddMachine(rtm) : catalogue.AddMachine(imm);
+    }
     catalogue.SetFileType(0);
-    catalogue.AddMachine(third);
     TempFolder folder;
     ASSERT_TRUE(Write(folder, &catalogue, 0));
     catalogue.SetFileType(1);
