@@ -131,7 +131,8 @@ TEST(List, AFolderWithoutBanksIsAnError) {
     EXPECT_NE(empty.err.find("neither a \"Bank\" folder"), std::string::npos);
 }
 
-// A bank the folder holds but its loader refuses is named on stderr; the rest still lists.
+// Banks the folder holds but their loaders refuse or pass over are named on stderr; the rest
+// still lists.
 TEST(List, ARefusedBankIsAWarning) {
     qzrbank_test::TempFolder folder;
     std::filesystem::create_directories(folder.Path() / "Bank");
@@ -139,6 +140,12 @@ TEST(List, ARefusedBankIsAWarning) {
                                folder.Path() / "Bank" / "user-pro.bnk");
     std::filesystem::copy_file(ToolData("header_unknown.bnk"),
                                folder.Path() / "Bank" / "User-IMM.bnk");
+    // A legacy bank among the sectioned system banks: the folder load passes over it.
+    std::filesystem::create_directories(folder.Path() / "Bank" / "Machine" / "IMM");
+    std::filesystem::copy_file(ToolData("fixture/Bank/Machine/IMM/Varnholt.bnk"),
+                               folder.Path() / "Bank" / "Machine" / "IMM" / "a.bnk");
+    std::filesystem::copy_file(ToolData("fixture/Bank/user-pro.bnk"),
+                               folder.Path() / "Bank" / "Machine" / "IMM" / "b.BNK");
     qzrbank::ListOptions options;
     options.bankDir = folder.Path().string();
     options.format = "csv";
@@ -146,6 +153,12 @@ TEST(List, ARefusedBankIsAWarning) {
     EXPECT_EQ(result.exitCode, 0);
     EXPECT_NE(result.out.find("Pellinor,PL 20"), std::string::npos);
     EXPECT_NE(result.err.find("User-IMM.bnk: refused by its loader"), std::string::npos);
+    EXPECT_NE(result.err.find("b.BNK: not a bank of kind IMMSystemBankFiles; the folder load "
+                              "skips it"),
+              std::string::npos)
+        << result.err;
+    EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 2) << result.err;
+    EXPECT_NE(result.out.find("Varnholt,VH-80,80"), std::string::npos);
 }
 
 Output Show(const std::string& bank, const char* maker, const char* grade,

@@ -21,18 +21,21 @@ struct FolderSource {
     const char* tail;   // below the Bank folder, as the library's default paths write it
     BankLoad load;
     bool isPattern;
+    BankKind expectedKind;
 };
 
 const FolderSource kIMMSources[] = {
-    {"Machine/IMM", "Machine\\IMM\\*.bnk", BankLoad::IMMSystemFolder, true},
-    {"User-IMM.bnk", "User-IMM.bnk", BankLoad::IMMUser, false},
-    {"system-pro.bnk", "system-pro.bnk", BankLoad::OldIMMSystem, false},
-    {"user-pro.bnk", "user-pro.bnk", BankLoad::OldIMMUser, false},
+    {"Machine/IMM", "Machine\\IMM\\*.bnk", BankLoad::IMMSystemFolder, true,
+     BankKind::IMMSystemBankFiles},
+    {"User-IMM.bnk", "User-IMM.bnk", BankLoad::IMMUser, false, BankKind::IMMUserBank},
+    {"system-pro.bnk", "system-pro.bnk", BankLoad::OldIMMSystem, false, BankKind::OldIMMSystemBank},
+    {"user-pro.bnk", "user-pro.bnk", BankLoad::OldIMMUser, false, BankKind::OldIMMUserBank},
 };
 
 const FolderSource kRTMSources[] = {
-    {"Machine/RTM", "Machine\\RTM\\*.bnk", BankLoad::RTMSystemFolder, true},
-    {"User-RTMIC.bnk", "User-RTMIC.bnk", BankLoad::RTMUser, false},
+    {"Machine/RTM", "Machine\\RTM\\*.bnk", BankLoad::RTMSystemFolder, true,
+     BankKind::RTMSystemBankFiles},
+    {"User-RTMIC.bnk", "User-RTMIC.bnk", BankLoad::RTMUser, false, BankKind::RTMUserBank},
 };
 
 bool IsFolder(const std::string& path) {
@@ -66,6 +69,38 @@ std::string PatternFolder(const std::string& pattern) {
     return separator == std::string::npos ? std::string(".") : pattern.substr(0, separator);
 }
 
+bool HasBankExtension(const fs::path& path) {
+    std::string extension = path.extension().string();
+    for (char& c : extension) {
+        if (c >= 'A' && c <= 'Z') {
+            c = static_cast<char>(c - 'A' + 'a');
+        }
+    }
+    return extension == ".bnk";
+}
+
+// The folder load passes over files it does not accept without a word; the tool names them.
+void WarnAboutSkippedFiles(const std::string& folder, BankKind expected,
+                           std::vector<std::string>* warnings) {
+    std::error_code error;
+    std::vector<std::string> skipped;
+    for (fs::directory_iterator entry(fs::path(NativePath(folder)), error), end;
+         !error && entry != end; entry.increment(error)) {
+        if (!HasBankExtension(entry->path()) || entry->is_directory(error)) {
+            continue;
+        }
+        std::string text;
+        const BankHeader header =
+            ReadBankText(entry->path().string(), &text) ? RecognizeBankHeader(text) : BankHeader();
+        if (!header.recognized || header.kind != expected) {
+            skipped.push_back(entry->path().string() + ": not a bank of kind " +
+                              BankKindName(expected) + "; the folder load skips it");
+        }
+    }
+    std::sort(skipped.begin(), skipped.end());
+    warnings->insert(warnings->end(), skipped.begin(), skipped.end());
+}
+
 void LoadSources(const std::string& bankFolder, const FolderSource* begin, const FolderSource* end,
                  SourcedCatalogue* catalogue, std::vector<std::string>* warnings) {
     for (const FolderSource* source = begin; source != end; ++source) {
@@ -76,6 +111,9 @@ void LoadSources(const std::string& bankFolder, const FolderSource* begin, const
         // An empty system-bank folder matches nothing, which is no fault of the folder.
         if (!catalogue->Load(source->load, path, source->label) && !source->isPattern) {
             warnings->push_back(path + ": refused by its loader (run 'qzrbank check' on it)");
+        }
+        if (source->isPattern) {
+            WarnAboutSkippedFiles(PatternFolder(path), source->expectedKind, warnings);
         }
     }
 }

@@ -63,23 +63,30 @@ int main(int argc, char** argv) {
         return qzrbank::kExitError;
     }
 
-    if (listCommand->parsed()) {
-        if (!bankDir.empty()) {
-            list.bankDir = bankDir;
+    // Nothing below is expected to throw; should memory run out or a file system call throw
+    // after all, the user still gets one line and an error exit.
+    try {
+        if (listCommand->parsed()) {
+            if (!bankDir.empty()) {
+                list.bankDir = bankDir;
+            }
+            if (listCommand->count("--maker") > 0) {
+                list.maker = maker;
+            }
+            return qzrbank::RunList(list, std::cout, std::cerr);
         }
-        if (listCommand->count("--maker") > 0) {
-            list.maker = maker;
+        if (showCommand->parsed()) {
+            return qzrbank::RunShow(show, std::cout, std::cerr);
         }
-        return qzrbank::RunList(list, std::cout, std::cerr);
+        if (infoCommand->parsed()) {
+            return qzrbank::RunInfo(infoFiles, std::cout, std::cerr);
+        }
+        if (checkCommand->parsed()) {
+            return qzrbank::RunCheck(checkFiles, std::cout, std::cerr);
+        }
+        return qzrbank::RunConvert(convert, std::cout, std::cerr);
+    } catch (const std::exception& error) {
+        std::cerr << "qzrbank: " << error.what() << '\n';
+        return qzrbank::kExitError;
     }
-    if (showCommand->parsed()) {
-        return qzrbank::RunShow(show, std::cout, std::cerr);
-    }
-    if (infoCommand->parsed()) {
-        return qzrbank::RunInfo(infoFiles, std::cout, std::cerr);
-    }
-    if (checkCommand->parsed()) {
-        return qzrbank::RunCheck(checkFiles, std::cout, std::cerr);
-    }
-    return qzrbank::RunConvert(convert, std::cout, std::cerr);
 }
