@@ -1,6 +1,8 @@
 // The built qzrbank end to end: exit codes, the one-line errors, and the README's main command.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include <string>
 #include <vector>
 

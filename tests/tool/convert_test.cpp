@@ -4,6 +4,7 @@
 
 #include <QZRMachine/QZRMachine.h>
 
+#include <algorithm>
 #include <sstream>
 #include <string>
 #include <vector>

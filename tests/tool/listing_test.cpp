@@ -2,6 +2,8 @@
 // bank whose maker is the system bank's in capitals, and a legacy user bank.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>

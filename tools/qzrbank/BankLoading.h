@@ -36,7 +36,6 @@ bool LoadBank(BankLoad load, const std::string& path, CQZRMoldingMachineCtrl* ca
 // its machines apart from those of the loads before it.
 class SourcedCatalogue {
   public:
-    bool IsRTM() const { return m_rtm; }
     explicit SourcedCatalogue(bool rtm) : m_rtm(rtm) {}
 
     const CQZRMoldingMachineCtrl& Catalogue() const { return m_catalogue; }
