@@ -33,8 +33,6 @@ TEST(Front, MissingArgumentsAreRefusedBeforeAnything) {
         [](auto& f, auto p, auto c) { return f.SaveOldIMMUserDatabase(p, c); },
         [](auto& f, auto p, auto c) { return f.SaveIMMUserDatabase(p, c); },
         [](auto& f, auto p, auto c) { return f.SaveRTMUserDatabase(p, c); },
-        [](auto& f, auto p, auto c) { return f.LoadDatabase(p, c, 3); },
-        [](auto& f, auto p, auto c) { return f.SaveDatabase(p, c, 3); },
     };
     TempFolder folder;
     CQZRMoldingMachineIO front;

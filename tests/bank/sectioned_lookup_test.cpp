@@ -7,7 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "bank/sectioned/MachineSectionFormat.h"
 #include "bank/sectioned/QZRFileIO.h"
 #include "bank/sectioned/SectionedBankIndex.h"
 #include "bank_test_support.h"
@@ -19,58 +18,6 @@ using namespace std::string_literals;
 using qzr::bank::SectionedBankIndex;
 using qzr::bank::testing::Lines;
 using qzr::bank::testing::TempFolder;
-
-std::string Lookup(const CQZRFileIO& file, const char* section, const char* key) {
-    const char* value = "untouched";
-    const int result = file.GetKeyString(section, key, &value);
-    return result == CQZRFileIO::kFound ? "1:" + std::string(value)
-                                        : std::to_string(result) + ":" + value;
-}
-
-// Each row looks up a key of "[Machine-1]".
-TEST(SectionedFileIO, LookupTable) {
-    const std::string m1 = "[Machine-1]\r\n";
-    const std::string r511 = std::string(511, 'r');
-    const struct {
-        const char* label;
-        std::string content;
-        const char* key;
-        std::string expected;  // "1:value", or the result code and the untouched value
-    } rows[] = {
-        {"LF line ends", "[Machine-1]\nMaker = Harlow\n", "Maker", "1:Harlow"},
-        {"[Machine-1] is not [Machine-10]", "[Machine-10]\r\nMaker = Ten\r\n", "Maker",
-         "-1:untouched"},
-        {"names are case-sensitive", "[machine-1]\r\nMaker = x\r\n", "Maker", "-1:untouched"},
-        {"Maker is not MakerID", m1 + "MakerID = 3\r\nMaker = Real\r\n", "Maker", "1:Real"},
-        {"tab before =", m1 + "PlungerSpeed\t = 1.5\r\n", "PlungerSpeed", "1:1.5"},
-        {"key glued to =, later = in the value", m1 + "Remark=a=b\r\n", "Remark", "1:a=b"},
-        {"only spaces are skipped before a value", m1 + "Remark = \tin  \r\n", "Remark",
-         "1:\tin  "},
-        {"nothing after =", m1 + "Remark =\r\n", "Remark", "1:"},
-        {"key line without =", m1 + "Remark\r\n", "Remark", "1:"},
-        {"an indented entry is no entry", m1 + "  Maker = In\r\nMaker = Out\r\n", "Maker", "1:Out"},
-        {"header with text after a blank", "[Machine-1] old\r\nMaker = H\r\n", "Maker", "1:H"},
-        {"header glued to text", "[Machine-1]x\r\nMaker = H\r\n", "Maker", "-1:untouched"},
-        {"the search runs past the next section", m1 + "[Machine-2]\r\nRemark = 2\r\n", "Remark",
-         "1:2"},
-        {"the first of a repeated section", m1 + "Maker = 1st\r\n" + m1 + "Maker = 2nd\r\n",
-         "Maker", "1:1st"},
-        {"key before its section", "Maker = Early\r\n" + m1, "Maker", "-1:untouched"},
-        {"lines cut at 511", m1 + "Remark = " + r511 + "\r\n", "Remark", "1:" + r511.substr(9)},
-        {"the rest of a long line is a line", m1 + r511 + "Grade = G\r\n", "Grade", "1:G"},
-        {"lone CR belongs to the value", m1 + "Maker = H\r\r\n", "Maker", "1:H\r"},
-        {"NUL ends the line", m1 + "Maker = Ha\0rlow\r\n"s, "Maker", "1:Ha"},
-        {"no key given", m1 + "Maker = A\r\n", nullptr, "-1:untouched"},
-    };
-    TempFolder folder;
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.label);
-        CQZRFileIO file;
-        ASSERT_TRUE(file.OpenFile(folder.Write("lookup.bnk", row.content).c_str()));
-        EXPECT_EQ(Lookup(file, "[Machine-1]", row.key), row.expected);
-        EXPECT_EQ(Lookup(file, nullptr, "Maker"), "-1:untouched");
-    }
-}
 
 std::string Answer(int result, const char* value) {
     return result == CQZRFileIO::kFound ? "1:" + std::string(value) : std::to_string(result);
@@ -96,6 +43,63 @@ int ExpectSameAsReference(const std::string& path, const std::vector<std::string
         }
     }
     return found;
+}
+
+std::string Lookup(const CQZRFileIO& file, const char* section, const char* key) {
+    const char* value = "untouched";
+    const int result = file.GetKeyString(section, key, &value);
+    return result == CQZRFileIO::kFound ? "1:" + std::string(value)
+                                        : std::to_string(result) + ":" + value;
+}
+
+// Each row looks up a key of "[Machine-1]" with CQZRFileIO; the index must answer every
+// lookup of the row's file as CQZRFileIO does.
+TEST(SectionedLookup, CraftedLines) {
+    const std::string m1 = "[Machine-1]\r\n";
+    const std::string r511 = std::string(511, 'r');
+    const struct {
+        const char* label;
+        std::string content;
+        const char* key;
+        std::string expected;  // "1:value", or the result code and the untouched value
+    } rows[] = {
+        {"LF line ends", "[Machine-1]\nMaker = Harlow\n", "Maker", "1:Harlow"},
+        {"[Machine-1] is not [Machine-10]", "[Machine-10]\r\nMaker = Ten\r\n", "Maker",
+         "-1:untouched"},
+        {"names are case-sensitive", "[machine-1]\r\nMaker = x\r\n", "Maker", "-1:untouched"},
+        {"Maker is not MakerID", m1 + "MakerID = 3\r\nMaker = Real\r\n", "Maker", "1:Real"},
+        {"tab before =", m1 + "PlungerSpeed\t = 1.5\r\n", "PlungerSpeed", "1:1.5"},
+        {"key glued to =, later = in the value", m1 + "Remark=a=b\r\n", "Remark", "1:a=b"},
+        {"only spaces are skipped before a value", m1 + "Remark = \tin  \r\n", "Remark",
+         "1:\tin  "},
+        {"nothing after =", m1 + "Remark =\r\n", "Remark", "1:"},
+        {"key line without =", m1 + "Remark\r\n", "Remark", "1:"},
+        {"an indented entry is no entry", m1 + "  Maker = In\r\nMaker = Out\r\n", "Maker", "1:Out"},
+        {"header with text after a blank", "[Machine-1] old\r\nMaker = H\r\n", "Maker", "1:H"},
+        {"[Machine-01] and [Machine-+1] are other names",
+         "[Machine-01]\r\nMaker = Z\r\n[Machine-+1]\r\nMaker = P\r\n", "Maker", "-1:untouched"},
+        {"header glued to text", "[Machine-1]x\r\nMaker = H\r\n", "Maker", "-1:untouched"},
+        {"the search runs past the next section", m1 + "[Machine-2]\r\nRemark = 2\r\n", "Remark",
+         "1:2"},
+        {"the first of a repeated section", m1 + "Maker = 1st\r\n" + m1 + "Maker = 2nd\r\n",
+         "Maker", "1:1st"},
+        {"key before its section", "Maker = Early\r\n" + m1, "Maker", "-1:untouched"},
+        {"lines cut at 511", m1 + "Remark = " + r511 + "\r\n", "Remark", "1:" + r511.substr(9)},
+        {"the rest of a long line is a line", m1 + r511 + "Grade = G\r\n", "Grade", "1:G"},
+        {"lone CR belongs to the value", m1 + "Maker = H\r\r\n", "Maker", "1:H\r"},
+        {"NUL ends the line", m1 + "Maker = Ha\0rlow\r\n"s, "Maker", "1:Ha"},
+        {"no key given", m1 + "Maker = A\r\n", nullptr, "-1:untouched"},
+    };
+    TempFolder folder;
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.label);
+        CQZRFileIO file;
+        const std::string path = folder.Write("lookup.bnk", row.content);
+        ASSERT_TRUE(file.OpenFile(path.c_str()));
+        EXPECT_EQ(Lookup(file, "[Machine-1]", row.key), row.expected);
+        EXPECT_EQ(Lookup(file, nullptr, "Maker"), "-1:untouched");
+        ExpectSameAsReference(path, {"Maker", "Grade", "Remark", "PlungerSpeed"}, 3);
+    }
 }
 
 // Lines drawn from the pieces that matter to a lookup: headers near and far from the real
@@ -125,28 +129,9 @@ std::string RandomBankText(std::mt19937& random) {
     return text;
 }
 
-TEST(SectionedIndex, AgreesWithTheReferenceOnCraftedAndRandomFiles) {
-    const std::string pad(505, 'p');
-    const std::pair<const char*, std::string> files[] = {
-        {"repeated and unordered sections, keys from later ones",
-         Lines({"[Machine-3]", "Maker = C", "[Machine-1]", "Grade = A1", "[Machine-1]",
-                "Maker = Dup", "[Machine-2]", "Grade = B1", "Remark = r"})},
-        {"names that are not machine n",
-         Lines({"[Machine-10]", "Maker = Ten", "[Machine-01]", "Maker = Z", "[Machine-]",
-                "[Machine-+1]", "[Machine-1 ]", "[Machine-1]Maker = glued", "Maker = after",
-                "[Machine-99999]", "Grade = g"})},
-        {"511-character pieces",
-         Lines({"[Machine-1]", "Remark = " + pad, pad + "Grade = split",
-                std::string(511, 'z') + "[Machine-2]", "[Machine-3]" + std::string(600, ' '),
-                "Maker = M", "\tGrade = hidden", "Grade\t=\tG=H"})},
-    };
+TEST(SectionedLookup, IndexAgreesWithTheReferenceOnRandomFiles) {
     TempFolder folder;
-    const std::vector<std::string> keys = qzr::bank::IMMSectionFormat().KeysInReadOrder();
-    for (const auto& [label, content] : files) {
-        SCOPED_TRACE(label);
-        ExpectSameAsReference(folder.Write("crafted.bnk", content), keys, 12);
-    }
-    ExpectSameAsReference(folder.File("missing.bnk"), keys, 2);
+    ExpectSameAsReference(folder.File("missing.bnk"), {"Maker"}, 2);
     std::mt19937 random(20240611u);
     int found = 0;
     for (int file = 0; file < 100 && !HasFailure(); ++file) {
