@@ -130,9 +130,10 @@ class TemporaryBankFile {
     bool m_movedIntoPlace = false;
 };
 
-// An existing target is replaced only by a regular file: a new bank moved over a folder, a
-// device such as /dev/null or a pipe would replace it rather than write into it (and the
-// readers refuse all of these as banks). The platform opens nothing else for reading.
+// An existing target is replaced only when it is a regular file: a new bank moved over a
+// folder, a device such as /dev/null or a pipe would replace it rather than write into it
+// (and the readers refuse all of these as banks). The platform opens nothing else for
+// reading, so a bank the library could not read back is refused too.
 bool IsRegularBankFile(const std::string& target) {
     return qzr::platform::CurrentEnv()->OpenForReading(target) != nullptr;
 }
