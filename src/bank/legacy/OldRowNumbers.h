@@ -1,15 +1,11 @@
-// The numeric conversions of the legacy tabular rows, fast enough for banks of hundreds of
-// thousands of rows: "%lf" for real fields and the "%.4lg" rounding of the derived shot
-// volume. Both give exactly what the platform's C-locale conversions give (CNumbers.h); they
-// only take a shortcut for the plain decimal forms that fill real banks and hand everything
-// else (hex, inf, nan, an exponent without digits, values out of range) to those conversions.
+// The "%.4lg" rounding of the shot volume that the legacy rows derive, fast enough for banks of
+// hundreds of thousands of rows. It gives exactly what the platform's C-locale conversions give
+// (CNumbers.h), taking a shortcut only where the four digits are certain and handing everything
+// else to those conversions. The rows' "%lf" fields are read with bank/BankNumbers.h.
 #ifndef QZR_BANK_LEGACY_OLDROWNUMBERS_H
 #define QZR_BANK_LEGACY_OLDROWNUMBERS_H
 
 namespace qzr::legacy {
-
-// sscanf(text, "%lf") under the "C" locale: false, and *value untouched, when nothing converts.
-bool ScanRealField(const char* text, double* value);
 
 // The value "%.4lg" prints for value, read back as atof reads it: four significant digits.
 double RoundToFourDigits(double value);

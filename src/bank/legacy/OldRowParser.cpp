@@ -7,6 +7,7 @@
 
 #include <QZRMachine/NozzleSpecification.h>
 
+#include "bank/BankNumbers.h"
 #include "bank/QZRMoldingMachineReader.h"
 #include "bank/legacy/OldRowNumbers.h"
 #include "platform/CNumbers.h"
@@ -182,7 +183,7 @@ void ReadTrailingFields(const RowTokens& tokens, const LayoutFields& layout, CQZ
         const char* token = tokens.FromEnd(field.fromEnd);
         if (field.setReal != nullptr) {
             double value = 0.0;
-            if (ScanRealField(token, &value)) {
+            if (bank::ScanReal(token, &value)) {
                 (machine.*field.setReal)(value);
             }
         } else {
@@ -203,7 +204,7 @@ void ReadNozzleFields(const RowTokens& tokens, CQZRIM& machine) {
     double* const values[] = {&nozzle.Value1, &nozzle.Value2, &nozzle.Value3,
                               &nozzle.Value4, &nozzle.Value5, &nozzle.Value6};
     for (int i = 0; i < 6; ++i) {
-        ScanRealField(tokens.FromEnd(6 - i), values[i]);
+        bank::ScanReal(tokens.FromEnd(6 - i), values[i]);
     }
     machine.SetNozzleSpecification(nozzle);
 }

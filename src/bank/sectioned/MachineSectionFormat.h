@@ -16,6 +16,7 @@
 #include <QZRMachine/QZRIM.h>
 #include <QZRMachine/QZRRTM.h>
 
+#include "bank/BankNumbers.h"
 #include "bank/sectioned/QZRFileIO.h"
 #include "platform/CNumbers.h"
 
@@ -95,7 +96,7 @@ bool FillMachineSection(const MachineSectionFormat<Record>& format, const Lookup
                 (machine.*row.setInteger)(integer);
                 break;
             case KeyValueKind::kReal:
-                qzr::platform::ScanDouble(value, &real);
+                qzr::bank::ScanReal(value, &real);
                 (machine.*row.setReal)(real);
                 break;
         }
