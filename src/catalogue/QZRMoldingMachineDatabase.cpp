@@ -314,12 +314,23 @@ const char* CQZRMoldingMachineDatabase::GetMaker(int makerId) const {
 // when that group then fails the kind filter; only the lookup by machine id walks on.
 
 template <class Record>
-bool CQZRMoldingMachineDatabase::CopyCurrentMachine(int machineIndex, Record& machine) const {
+const Record* CQZRMoldingMachineDatabase::PeekCurrentMachine(int machineIndex) const {
     const std::optional<MachineSlot> slot = FindMachineByIndex(machineIndex);
     if (!slot || !Passes(*m_groups[slot->group], FilterFor<Record>())) {
+        return nullptr;
+    }
+    // The group passed the kind filter, so its records are of class Record.
+    return &static_cast<const Record&>(m_groups[slot->group]->MachineAt(slot->machine));
+}
+
+template <class Record>
+bool CQZRMoldingMachineDatabase::CopyCurrentMachine(int machineIndex, Record& machine) const {
+    const Record* stored = PeekCurrentMachine<Record>(machineIndex);
+    if (stored == nullptr) {
         return false;
     }
-    return m_groups[slot->group]->CopyMachineAt(slot->machine, machine);
+    machine = *stored;
+    return true;
 }
 
 template <class Record>
@@ -346,6 +357,14 @@ bool CQZRMoldingMachineDatabase::CopyMachineByGrade(const char* maker, const cha
     }
     const std::optional<std::size_t> position = FindMachineByGrade(*group, grade);
     return position && m_groups[*group]->CopyMachineAt(*position, machine);
+}
+
+const CQZRIM* CQZRMoldingMachineDatabase::PeekCurrentIMM(int machineIndex) const {
+    return PeekCurrentMachine<CQZRIM>(machineIndex);
+}
+
+const CQZRRTM* CQZRMoldingMachineDatabase::PeekCurrentRTM(int machineIndex) const {
+    return PeekCurrentMachine<CQZRRTM>(machineIndex);
 }
 
 bool CQZRMoldingMachineDatabase::GetCurrentMachine(int machineIndex, CQZRIM& machine) const {

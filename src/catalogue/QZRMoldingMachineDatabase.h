@@ -84,6 +84,12 @@ class CQZRMoldingMachineDatabase {
     bool GetMachine(const char* maker, const char* grade, CQZRIM& machine) const;
     bool GetMachine(const char* maker, const char* grade, CQZRRTM& machine) const;
 
+    // The machine GetCurrentMachine would copy out, read in place: null when the index is out
+    // of range or the machine's group does not hold records of that class. Valid until the
+    // store changes.
+    const CQZRIM* PeekCurrentIMM(int machineIndex) const;
+    const CQZRRTM* PeekCurrentRTM(int machineIndex) const;
+
     // Edits. Nothing is renumbered and the counters are not touched.
     bool SetMachineData(int machineId, const CQZRIM& machine);
     bool SetMachineData(int machineId, const CQZRRTM& machine);
@@ -144,6 +150,8 @@ class CQZRMoldingMachineDatabase {
     bool AddRecord(Record& machine);
     template <class Record>
     bool AddRecordToNewMaker(Record& machine);
+    template <class Record>
+    const Record* PeekCurrentMachine(int machineIndex) const;
     template <class Record>
     bool CopyCurrentMachine(int machineIndex, Record& machine) const;
     template <class Record>

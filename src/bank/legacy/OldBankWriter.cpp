@@ -1,14 +1,20 @@
 // Writing a catalogue as a legacy tabular user bank. The writer always writes version 7007
 // with its rows in the 7005 layout, whatever version the catalogue came from, so that older
 // hosts reading "user-pro.bnk" get the layout they expect.
+#include <initializer_list>
+#include <string>
+#include <string_view>
+
 #include <QZRMachine/NozzleSpecification.h>
 #include <QZRMachine/QZRIM.h>
 #include <QZRMachine/QZRMoldingMachineCtrl.h>
 
 #include "bank/BankFileSave.h"
+#include "bank/BankNumbers.h"
 #include "bank/BankPathKind.h"
 #include "bank/CatalogueWalk.h"
 #include "bank/QZRMoldingMachineWriter.h"
+#include "bank/TextBuffer.h"
 #include "catalogue/QZRMoldingMachineCtrlAccess.h"
 #include "platform/TextWriter.h"
 
@@ -37,31 +43,77 @@ constexpr const char* kOldUserBankHead =
     "[Database]\n";
 
 // Every row has ID 1: the user-bank reader takes no other. Texts go out as they stand, so a
-// comma in a maker or grade, or a line end in any text, breaks the row for the reader. The
-// time constants ("%lg") take the C library's exponent digits when they need an exponent
+// comma in a maker or grade, or a line end in any text, breaks the row for the reader.
+//
+// The row is the text of the C format
+//   "%d,%s,%s,%s,%6.2f,%6.2f,%6.2f,%6.2f,%6.2f,%6.2f,%lg,%lg,%6.2f,%6.2f,%d,%6.2f,%d,%6.2f,"
+//   "%6.2f,%6.2f,%6.2f,%6.2f,%6.2f\n"
+// put together field by field (bank/BankNumbers.h writes each number as that format would).
+// The time constants ("%lg") take the C library's exponent digits when they need an exponent
 // ("1e-05" here, "1e-005" from the DLL); the readers take both.
-void WriteOldUserRow(platform::TextWriter& out, const CQZRIM& machine) {
-    const NozzleSpecification& nozzle = machine.GetNozzleSpecification();
-    out.Format(
-        "%d,%s,%s,%s,%6.2f,%6.2f,%6.2f,%6.2f,%6.2f,%6.2f,%lg,%lg,%6.2f,%6.2f,%d,%6.2f,%d,%6.2f,"
-        "%6.2f,%6.2f,%6.2f,%6.2f,%6.2f\n",
-        1, machine.GetMaker(), machine.GetGrade(), machine.GetRemark(), machine.GetClampingForce(),
-        machine.GetShotWeight(), machine.GetInjectionPressure(), machine.GetInjectionRate(),
-        machine.GetScrewDiameter(), machine.GetScrewStroke(), machine.GetTimeConstFR(),
-        machine.GetTimeConstIP(), machine.GetNozzleVolume(), machine.GetMaxPressureSlope(),
-        machine.GetMachineEnergyType(), machine.GetHydraulicPressureTransferFactor(), nozzle.Type,
-        nozzle.Value1, nozzle.Value2, nozzle.Value3, nozzle.Value4, nozzle.Value5, nozzle.Value6);
-}
+class OldUserRow {
+  public:
+    // The row of the machine, valid until the next call.
+    std::string_view Of(const CQZRIM& machine) {
+        const NozzleSpecification& nozzle = machine.GetNozzleSpecification();
+        m_row.Clear();
+        Int(1);
+        Text(machine.GetMaker());
+        Text(machine.GetGrade());
+        Text(machine.GetRemark());
+        for (const double value :
+             {machine.GetClampingForce(), machine.GetShotWeight(), machine.GetInjectionPressure(),
+              machine.GetInjectionRate(), machine.GetScrewDiameter(), machine.GetScrewStroke()}) {
+            Fixed(value);
+        }
+        General(machine.GetTimeConstFR());
+        General(machine.GetTimeConstIP());
+        Fixed(machine.GetNozzleVolume());
+        Fixed(machine.GetMaxPressureSlope());
+        Int(machine.GetMachineEnergyType());
+        Fixed(machine.GetHydraulicPressureTransferFactor());
+        Int(nozzle.Type);
+        for (const double value :
+             {nozzle.Value1, nozzle.Value2, nozzle.Value3, nozzle.Value4, nozzle.Value5}) {
+            Fixed(value);
+        }
+        Last(nozzle.Value6);
+        m_row.Append('\n');
+        return m_row.View();
+    }
+
+  private:
+    // Every field but the last is followed by a comma, the last by the line end.
+    void Text(const char* text) {
+        m_row.AppendText(text);
+        m_row.Append(',');
+    }
+    void Int(int value) {
+        m_row.AppendNumber(&bank::WriteD, value);
+        m_row.Append(',');
+    }
+    void Fixed(double value) {
+        m_row.AppendNumber(&bank::WriteWidth6Fixed2, value);
+        m_row.Append(',');
+    }
+    void General(double value) {
+        m_row.AppendNumber(&bank::WriteLg, value);
+        m_row.Append(',');
+    }
+    void Last(double value) { m_row.AppendNumber(&bank::WriteWidth6Fixed2, value); }
+
+    bank::TextBuffer m_row;
+};
 
 // Every injection-moulding machine in catalogue order; an index that falls on a machine of a
 // transfer-moulding group is not handed out as a CQZRIM and gets no row.
 void WriteOldUserBank(platform::TextWriter& out, const CQZRMoldingMachineCtrl& catalogue) {
     out.Write(kOldUserBankHead);
     const bank::CatalogueWalk walk(catalogue);
-    CQZRIM machine;
+    OldUserRow row;
     for (int index = 0; index < walk.TotalMachine(); ++index) {
-        if (walk.Fetch(index, machine)) {
-            WriteOldUserRow(out, machine);
+        if (const CQZRIM* machine = walk.Fetch<CQZRIM>(index)) {
+            out.Write(row.Of(*machine));
         }
     }
     out.Write("[EOF]\n");

@@ -1,11 +1,15 @@
 // Writing a catalogue as a sectioned user bank, of injection-moulding or transfer-moulding
 // machines.
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "bank/BankFileSave.h"
+#include "bank/BankNumbers.h"
 #include "bank/BankPathKind.h"
 #include "bank/CatalogueWalk.h"
 #include "bank/QZRMoldingMachineWriter.h"
+#include "bank/TextBuffer.h"
 #include "bank/sectioned/MachineSectionFormat.h"
 #include "catalogue/QZRMoldingMachineCtrlAccess.h"
 #include "platform/TextWriter.h"
@@ -15,6 +19,8 @@ namespace {
 using qzr::bank::KeyValueKind;
 using qzr::bank::MachineKey;
 using qzr::bank::MachineSectionFormat;
+using qzr::bank::WriteD;
+using qzr::bank::WriteLf;
 using qzr::platform::TextWriter;
 
 constexpr int kFirstSectionedVersion = 9000;
@@ -36,13 +42,21 @@ void WriteText(TextWriter& out, const char* text) {
     }
 }
 
+// A line of the C format "<prefix>%d\n".
+void WriteIntegerLine(TextWriter& out, const char* prefix, int value) {
+    char number[qzr::bank::kLongestNumber];
+    out.Write(prefix);
+    out.Write(std::string_view(number, static_cast<size_t>(WriteD(value, number) - number)));
+    out.Write("\n");
+}
+
 // "[FileHeader]" with the catalogue's attributes and the time of the save, then "[General]".
 // The time stamp ends with its own newline, so an empty line follows "CreateDate".
 void WriteBankHeader(TextWriter& out, const CQZRMoldingMachineCtrl& catalogue) {
     out.Write("[FileHeader]\n");
-    out.Format("Version    = %d\n", catalogue.GetFileVersion());
-    out.Format("Format     = %d\n", catalogue.GetFileFormat());
-    out.Format("Type       = %d\n", catalogue.GetFileType());
+    WriteIntegerLine(out, "Version    = ", catalogue.GetFileVersion());
+    WriteIntegerLine(out, "Format     = ", catalogue.GetFileFormat());
+    WriteIntegerLine(out, "Type       = ", catalogue.GetFileType());
     out.Write("CreateDate = ");
     WriteText(out, CQZRMoldingMachineWriter::GetTimeStamp());
     out.Write("\n");
@@ -55,27 +69,57 @@ void WriteBankHeader(TextWriter& out, const CQZRMoldingMachineCtrl& catalogue) {
     out.Write("\n");
     out.Write("[General]\n");
     // Machines of both kinds count, also those the walk below gives no section.
-    out.Format("TotalMachine = %d\n", catalogue.GetTotalMachine());
+    WriteIntegerLine(out, "TotalMachine = ", catalogue.GetTotalMachine());
     out.Write("\n");
 }
 
+// One machine's section, put together as text and handed to the writer whole: the header
+// "[Machine-%d]\n\n" with the section's number, one entry line per key (the key's prefix,
+// then the value as "%s", "%d" or "%lf" writes it), and an empty line.
 template <class Record>
-void WriteEntry(TextWriter& out, const MachineKey<Record>& row, const Record& machine) {
-    out.Write(row.linePrefix);
-    switch (row.kind) {
-        case KeyValueKind::kText:
-            // Texts go out unescaped: a line feed in a value splits its entry line.
-            WriteText(out, (machine.*row.getText)());
-            break;
-        case KeyValueKind::kInteger:
-            out.Format("%d", (machine.*row.getInteger)());
-            break;
-        case KeyValueKind::kReal:
-            out.Format("%lf", (machine.*row.getReal)());
-            break;
+class SectionText {
+  public:
+    explicit SectionText(const MachineSectionFormat<Record>& format) : m_format(format) {
+        for (size_t row = 0; row < format.rowCount; ++row) {
+            m_prefixes.emplace_back(format.rows[row].linePrefix);
+        }
     }
-    out.Write("\n");
-}
+
+    // The section of the machine, valid until the next call.
+    std::string_view Of(int number, const Record& machine) {
+        m_text.Clear();
+        m_text.Append("[Machine-");
+        m_text.AppendNumber(&WriteD, number);
+        m_text.Append("]\n\n");
+        for (size_t row = 0; row < m_format.rowCount; ++row) {
+            m_text.Append(m_prefixes[row]);
+            AppendValue(m_format.rows[row], machine);
+            m_text.Append('\n');
+        }
+        m_text.Append('\n');
+        return m_text.View();
+    }
+
+  private:
+    void AppendValue(const MachineKey<Record>& row, const Record& machine) {
+        switch (row.kind) {
+            case KeyValueKind::kText:
+                // Texts go out unescaped: a line feed in a value splits its entry line.
+                m_text.AppendText((machine.*row.getText)());
+                break;
+            case KeyValueKind::kInteger:
+                m_text.AppendNumber(&WriteD, (machine.*row.getInteger)());
+                break;
+            case KeyValueKind::kReal:
+                m_text.AppendNumber(&WriteLf, (machine.*row.getReal)());
+                break;
+        }
+    }
+
+    const MachineSectionFormat<Record>& m_format;
+    std::vector<std::string_view> m_prefixes;  // the line prefixes, measured once
+    qzr::bank::TextBuffer m_text;
+};
 
 // One section per machine of the writer's kind, numbered by global machine index + 1: the
 // machines of the other kind leave gaps in the numbering, which also ends a later reading of
@@ -84,16 +128,11 @@ template <class Record>
 void WriteMachineSections(TextWriter& out, const CQZRMoldingMachineCtrl& catalogue,
                           const MachineSectionFormat<Record>& format) {
     const qzr::bank::CatalogueWalk walk(catalogue);
-    Record machine;
+    SectionText<Record> section(format);
     for (int index = 0; index < walk.TotalMachine(); ++index) {
-        if (!walk.Fetch(index, machine)) {
-            continue;
+        if (const Record* machine = walk.Fetch<Record>(index)) {
+            out.Write(section.Of(index + 1, *machine));
         }
-        out.Format("[Machine-%d]\n\n", index + 1);
-        for (size_t row = 0; row < format.rowCount; ++row) {
-            WriteEntry(out, format.rows[row], machine);
-        }
-        out.Write("\n");
     }
 }
 
