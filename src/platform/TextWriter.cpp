@@ -15,7 +15,7 @@ constexpr size_t kBufferSize = 64 * 1024;
 
 TextWriter::TextWriter(const std::string& path, WriteMode mode)
     : m_file(CurrentEnv()->OpenForWriting(path, mode)), m_failed(m_file == nullptr) {
-    m_buffer.reserve(kBufferSize + 2);
+    m_buffer.resize(kBufferSize + 2);
 }
 
 TextWriter::~TextWriter() {
@@ -28,22 +28,34 @@ bool TextWriter::IsOpen() const {
     return m_file != nullptr;
 }
 
+// Line by line, each line's bytes and its CR LF copied straight into the buffer, and the
+// buffer written out once it holds kBufferSize bytes or more after a line, as before.
 void TextWriter::Write(std::string_view text) {
     if (!m_file) {
         m_failed = true;
         return;
     }
-    while (!text.empty()) {
-        const size_t lineFeed = text.find('\n');
-        const std::string_view run = text.substr(0, lineFeed);
-        m_buffer.append(run.data(), run.size());
-        if (lineFeed == std::string_view::npos) {
-            text = std::string_view();
-        } else {
-            m_buffer.append("\r\n", 2);
-            text.remove_prefix(lineFeed + 1);
+    const char* p = text.data();
+    const char* const end = p + text.size();
+    while (p != end) {
+        const void* lineFeed = std::memchr(p, '\n', static_cast<size_t>(end - p));
+        const char* const runEnd = lineFeed != nullptr ? static_cast<const char*>(lineFeed) : end;
+        const size_t run = static_cast<size_t>(runEnd - p);
+        if (m_buffer.size() - m_used < run + 2) {
+            m_buffer.resize(m_used + run + 2);  // a line longer than the buffer
         }
-        if (m_buffer.size() >= kBufferSize) {
+        char* const out = &m_buffer[m_used];
+        std::memcpy(out, p, run);
+        m_used += run;
+        if (lineFeed != nullptr) {
+            out[run] = '\r';
+            out[run + 1] = '\n';
+            m_used += 2;
+            p = runEnd + 1;
+        } else {
+            p = end;
+        }
+        if (m_used >= kBufferSize) {
             FlushBuffer();
         }
     }
@@ -59,11 +71,11 @@ void TextWriter::Format(const char* format, ...) {
 }
 
 bool TextWriter::FlushBuffer() {
-    if (!m_buffer.empty()) {
-        if (!m_file || !m_file->Append(m_buffer.data(), m_buffer.size())) {
+    if (m_used > 0) {
+        if (!m_file || !m_file->Append(m_buffer.data(), m_used)) {
             m_failed = true;
         }
-        m_buffer.clear();
+        m_used = 0;
     }
     return !m_failed;
 }

@@ -40,6 +40,7 @@ class TextWriter {
 
     std::unique_ptr<WritableFile> m_file;
     std::string m_buffer;   // bytes as they go to disk (line ends already CR LF)
+    size_t m_used = 0;      // how many of m_buffer's bytes are in use
     std::string m_scratch;  // Format's text before translation
     bool m_failed = false;
 };
