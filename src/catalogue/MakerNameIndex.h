@@ -37,11 +37,17 @@ class MakerNameIndex {
     bool IsBuiltFor(const char* locale) const;
     std::optional<std::size_t> Lookup(const char* maker, std::size_t from) const;
 
+    using Positions = std::vector<std::size_t>;
+
     bool m_built = false;
     std::string m_locale;  // the locale the keys were made in
     // Positions in ascending order; two groups share a key only when a change of locale made
     // their names equal after they were created.
-    std::unordered_map<std::string, std::vector<std::size_t>> m_positions;
+    std::unordered_map<std::string, Positions> m_positions;
+    // The entry of m_positions (null: none) that each text looked up so far leads to, so that
+    // a text met again, as every maker of a bank is, is not lower-cased again. Emptied with
+    // every change of m_positions that can change an answer.
+    mutable std::unordered_map<std::string, const Positions*> m_seen;
 };
 
 template <class NameAt>
@@ -63,6 +69,7 @@ std::optional<std::size_t> MakerNameIndex::Find(const char* maker, std::size_t f
     if (!IsBuiltFor(locale)) {
         m_built = false;  // until it is whole, should running out of memory stop it half way
         m_locale = locale;
+        m_seen.clear();
         m_positions.clear();
         for (std::size_t position = 0; position < count; ++position) {
             m_positions[qzr::records::NameKey(nameAt(position))].push_back(position);

@@ -223,17 +223,17 @@ int CQZRMoldingMachineDatabase::NextMakerID() {
 }
 
 template <class Record>
-bool CQZRMoldingMachineDatabase::AddRecord(Record& machine) {
+bool CQZRMoldingMachineDatabase::AddRecord(Record& machine, std::unique_ptr<Record> owned) {
     machine.SetMachineID(GetNextMachineID());
     const std::optional<std::size_t> found = FindMakerByName(machine.GetMaker());
     if (!found) {
-        return AddMaker(machine);
+        return AddRecordToNewMaker(machine, std::move(owned));
     }
     CQZRMoldingMachineMaker& group = *m_groups[*found];
     machine.SetMakerID(group.GetID());
     // A maker already filed under the other kind keeps its group as it is: the machine is
     // not stored, yet the add counts as done, as hosts of the DLL expect.
-    if (Passes(group, FilterFor<Record>()) && group.AddMachine(machine)) {
+    if (Passes(group, FilterFor<Record>()) && Place(group, machine, std::move(owned))) {
         ++m_machineCount;
         if (*found + 1 == m_groups.size()) {
             m_groupStarts.LastGroupGrew();
@@ -245,7 +245,8 @@ bool CQZRMoldingMachineDatabase::AddRecord(Record& machine) {
 }
 
 template <class Record>
-bool CQZRMoldingMachineDatabase::AddRecordToNewMaker(Record& machine) {
+bool CQZRMoldingMachineDatabase::AddRecordToNewMaker(Record& machine,
+                                                     std::unique_ptr<Record> owned) {
     // Once the catalogue holds a machine or has taken its attributes from a bank file, its
     // file type decides the kind of every new group; before that the first machine decides.
     const int kind = (CountMachines() > 0 || m_initialized) ? m_fileType : machine.GetMachineType();
@@ -254,7 +255,7 @@ bool CQZRMoldingMachineDatabase::AddRecordToNewMaker(Record& machine) {
     if (!Passes(*group, FilterFor<Record>())) {
         return false;  // the group is released; the ids stay issued
     }
-    group->AddMachine(machine);
+    Place(*group, machine, std::move(owned));
     m_groups.push_back(std::move(group));
     ++m_machineCount;
     m_groupStarts.GroupAppended();
@@ -262,20 +263,42 @@ bool CQZRMoldingMachineDatabase::AddRecordToNewMaker(Record& machine) {
     return true;
 }
 
+template <class Record>
+bool CQZRMoldingMachineDatabase::Place(CQZRMoldingMachineMaker& group, const Record& machine,
+                                       std::unique_ptr<Record> owned) {
+    return owned != nullptr ? group.AdoptMachine(std::move(owned)) : group.AddMachine(machine);
+}
+
 bool CQZRMoldingMachineDatabase::AddMachine(CQZRIM& machine) {
-    return AddRecord(machine);
+    return AddRecord(machine, std::unique_ptr<CQZRIM>());
 }
 
 bool CQZRMoldingMachineDatabase::AddMachine(CQZRRTM& machine) {
-    return AddRecord(machine);
+    return AddRecord(machine, std::unique_ptr<CQZRRTM>());
+}
+
+bool CQZRMoldingMachineDatabase::AdoptMachine(std::unique_ptr<CQZRIM> machine) {
+    if (machine == nullptr) {
+        return false;
+    }
+    CQZRIM& record = *machine;
+    return AddRecord(record, std::move(machine));
+}
+
+bool CQZRMoldingMachineDatabase::AdoptMachine(std::unique_ptr<CQZRRTM> machine) {
+    if (machine == nullptr) {
+        return false;
+    }
+    CQZRRTM& record = *machine;
+    return AddRecord(record, std::move(machine));
 }
 
 bool CQZRMoldingMachineDatabase::AddMaker(CQZRIM& machine) {
-    return AddRecordToNewMaker(machine);
+    return AddRecordToNewMaker(machine, std::unique_ptr<CQZRIM>());
 }
 
 bool CQZRMoldingMachineDatabase::AddMaker(CQZRRTM& machine) {
-    return AddRecordToNewMaker(machine);
+    return AddRecordToNewMaker(machine, std::unique_ptr<CQZRRTM>());
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -57,6 +57,10 @@ class CQZRMoldingMachineDatabase {
     // only when a new group had to be made and its kind does not fit the record.
     bool AddMachine(CQZRIM& machine);
     bool AddMachine(CQZRRTM& machine);
+    // AddMachine for a record made for the catalogue alone: the record itself is stored, not a
+    // copy (the loaders hand over each record they fill). False for a null record.
+    bool AdoptMachine(std::unique_ptr<CQZRIM> machine);
+    bool AdoptMachine(std::unique_ptr<CQZRRTM> machine);
     // Makes a group for a machine whose maker has none; called by AddMachine.
     bool AddMaker(CQZRIM& machine);
     bool AddMaker(CQZRRTM& machine);
@@ -146,10 +150,14 @@ class CQZRMoldingMachineDatabase {
 
     int NextMakerID();
 
+    // `owned` is null when a copy of the machine is to be stored, else the machine itself.
     template <class Record>
-    bool AddRecord(Record& machine);
+    bool AddRecord(Record& machine, std::unique_ptr<Record> owned);
     template <class Record>
-    bool AddRecordToNewMaker(Record& machine);
+    bool AddRecordToNewMaker(Record& machine, std::unique_ptr<Record> owned);
+    template <class Record>
+    static bool Place(CQZRMoldingMachineMaker& group, const Record& machine,
+                      std::unique_ptr<Record> owned);
     template <class Record>
     const Record* PeekCurrentMachine(int machineIndex) const;
     template <class Record>

@@ -1,6 +1,7 @@
 #include "catalogue/QZRMoldingMachineMaker.h"
 
 #include <type_traits>
+#include <utility>
 
 #include "records/NameRule.h"
 
@@ -51,6 +52,15 @@ bool CQZRMoldingMachineMaker::Append(const Record& machine) {
 }
 
 template <class Record>
+bool CQZRMoldingMachineMaker::Adopt(std::unique_ptr<Record> machine) {
+    if (!Holds<Record>() || machine == nullptr) {
+        return false;
+    }
+    m_machines.push_back(std::move(machine));
+    return true;
+}
+
+template <class Record>
 bool CQZRMoldingMachineMaker::CopyOut(std::size_t position, Record& machine) const {
     if (!Holds<Record>() || position >= m_machines.size()) {
         return false;
@@ -75,6 +85,14 @@ bool CQZRMoldingMachineMaker::AddMachine(const CQZRIM& machine) {
 
 bool CQZRMoldingMachineMaker::AddMachine(const CQZRRTM& machine) {
     return Append(machine);
+}
+
+bool CQZRMoldingMachineMaker::AdoptMachine(std::unique_ptr<CQZRIM> machine) {
+    return Adopt(std::move(machine));
+}
+
+bool CQZRMoldingMachineMaker::AdoptMachine(std::unique_ptr<CQZRRTM> machine) {
+    return Adopt(std::move(machine));
 }
 
 std::optional<std::size_t> CQZRMoldingMachineMaker::FindMachineByID(int machineId) const {

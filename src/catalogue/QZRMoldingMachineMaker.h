@@ -41,6 +41,9 @@ class CQZRMoldingMachineMaker {
     // fit the group's kind; the store never asks for that.
     bool AddMachine(const CQZRIM& machine);
     bool AddMachine(const CQZRRTM& machine);
+    // Appends the record itself, on the same terms.
+    bool AdoptMachine(std::unique_ptr<CQZRIM> machine);
+    bool AdoptMachine(std::unique_ptr<CQZRRTM> machine);
 
     // Lookups within the group: the first machine in list order that matches.
     std::optional<std::size_t> FindMachineByID(int machineId) const;
@@ -65,6 +68,8 @@ class CQZRMoldingMachineMaker {
     bool Holds() const;
     template <class Record>
     bool Append(const Record& machine);
+    template <class Record>
+    bool Adopt(std::unique_ptr<Record> machine);
     template <class Record>
     bool CopyOut(std::size_t position, Record& machine) const;
     template <class Record>

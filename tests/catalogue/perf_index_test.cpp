@@ -4,6 +4,7 @@
 // above 127 or longer than a short string, two groups whose names only a later locale makes
 // equal, and catalogues made by copying.
 #include <clocale>
+#include <memory>
 #include <random>
 #include <string>
 #include <vector>
@@ -15,6 +16,8 @@
 #include <gtest/gtest.h>
 
 #include "CatalogueTestSupport.h"
+#include "catalogue/QZRMoldingMachineCtrlAccess.h"
+#include "catalogue/QZRMoldingMachineDatabase.h"
 #include "records/NameRule.h"
 
 namespace {
@@ -205,6 +208,43 @@ TEST(CatalogueIndexes, GlobalIndexFollowsEveryChange) {
         const CQZRMoldingMachineCtrl copy(catalogue);
         ASSERT_EQ(IdsByIndex(copy, false), IdsByGroups(catalogue)) << label;
     }
+}
+
+// The loaders hand their records over with AdoptMachine instead of AddMachine: the same ids,
+// groups, kinds and results, over adds of both kinds, new and known makers, and a group of the
+// other kind. (The id counters are shared, so each catalogue is built on its own.)
+TEST(CatalogueIndexes, AdoptingARecordIsAddingACopy) {
+    const struct {
+        const char* maker;
+        bool transfer;
+    } kAdds[] = {{"Arvado", false}, {"ARVADO", false}, {"Hadrex", true}, {"Veloxa", false},
+                 {"hadrex", false}, {"Veloxa", true},  {"arvado", false}};
+    for (const int fileType : {0, 1}) {
+        std::vector<std::string> steps[2];
+        for (const bool adopt : {false, true}) {
+            CQZRMoldingMachineCtrl catalogue;
+            CQZRMoldingMachineDatabase& store = *CQZRMoldingMachineCtrlAccess::Store(catalogue);
+            for (const auto& add : kAdds) {
+                catalogue.SetFileType(fileType);
+                CQZRIM im = IM(add.maker, "I-1");
+                CQZRRTM rtm = catalogue_test::RTM(add.maker, "R-1");
+                bool result = false;
+                if (add.transfer) {
+                    result = adopt ? store.AdoptMachine(std::make_unique<CQZRRTM>(rtm))
+                                   : catalogue.AddMachine(rtm);
+                } else {
+                    result = adopt ? store.AdoptMachine(std::make_unique<CQZRIM>(im))
+                                   : catalogue.AddMachine(im);
+                }
+                steps[adopt].push_back(std::to_string(result) + " " +
+                                       catalogue_test::Picture(catalogue));
+            }
+        }
+        EXPECT_EQ(steps[1], steps[0]) << "file type " << fileType;
+    }
+    CQZRMoldingMachineCtrl empty;
+    EXPECT_FALSE(
+        CQZRMoldingMachineCtrlAccess::Store(empty)->AdoptMachine(std::unique_ptr<CQZRIM>()));
 }
 
 }  // namespace
