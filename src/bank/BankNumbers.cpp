@@ -102,7 +102,9 @@ bool ConvertShortDecimal(const PlainDecimal& number, bool negative, double* valu
         if (number.exponent < -kLargestExactPower || number.exponent > kLargestExactPower) {
             return false;
         }
-        result = static_cast<double>(number.digits);
+        // Below 10^15: exact as a double, and converted through a signed integer, for which
+        // the processor has one instruction.
+        result = static_cast<double>(static_cast<int64_t>(number.digits));
         result = number.exponent < 0 ? result / kPowersOfTen[-number.exponent]
                                      : result * kPowersOfTen[number.exponent];
     }

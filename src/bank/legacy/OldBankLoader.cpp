@@ -1,6 +1,9 @@
 // Loading a legacy tabular bank (system or user) into a catalogue, row by row.
+#include <exception>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include <QZRMachine/QZRIM.h>
 #include <QZRMachine/QZRMoldingMachineCtrl.h>
@@ -9,6 +12,8 @@
 #include "bank/QZRMoldingMachineReader.h"
 #include "bank/legacy/OldRowLayout.h"
 #include "bank/legacy/OldRowParser.h"
+#include "catalogue/QZRMoldingMachineCtrlAccess.h"
+#include "catalogue/QZRMoldingMachineDatabase.h"
 #include "platform/CNumbers.h"
 #include "platform/Env.h"
 #include "platform/TextLineReader.h"
@@ -138,12 +143,22 @@ class OldBankScan {
     }
 
     // The layout follows the catalogue's file version at this row, so a version line in the
-    // middle of the rows changes the layout of the rows after it.
+    // middle of the rows changes the layout of the rows after it. Each row is read into a
+    // record of its own, which the store then keeps as it is rather than copying it; the result
+    // is that of AddMachine, which the loader does not look at (a catalogue without a store, or
+    // one that runs out of memory, drops the machine).
     void LoadRow() {
-        m_machine = m_defaultMachine;
-        if (ParseOldRow(m_text.data(), m_rules.rowLayout(m_catalogue.GetFileVersion()),
-                        m_machine)) {
-            m_catalogue.AddMachine(m_machine);
+        auto machine = std::make_unique<CQZRIM>(m_defaultMachine);
+        if (!ParseOldRow(m_text.data(), m_rules.rowLayout(m_catalogue.GetFileVersion()),
+                         *machine)) {
+            return;
+        }
+        if (CQZRMoldingMachineDatabase* store = CQZRMoldingMachineCtrlAccess::Store(m_catalogue)) {
+            try {
+                store->AdoptMachine(std::move(machine));
+            } catch (const std::exception&) {
+                // as AddMachine: the machine is not added
+            }
         }
     }
 
@@ -158,9 +173,8 @@ class OldBankScan {
     bool m_inDatabase = false;
     int m_version = 1000;
     int m_rowId = 0;
-    // Each row starts from a default record; assigning one is cheaper than building one.
+    // Each row starts from a copy of a default record, which is cheaper than building one.
     const CQZRIM m_defaultMachine;
-    CQZRIM m_machine;
 };
 
 bool LoadOldBank(CQZRMoldingMachineReader& reader, const char* path,

@@ -16,6 +16,13 @@ constexpr std::string_view kMachineSectionPrefix = "[Machine-";
 
 SectionedBankIndex::SectionedBankIndex(const std::string& path, std::vector<std::string> keys)
     : m_keys(std::move(keys)), m_firstPending(m_keys.size(), 0) {
+    for (size_t slot = 0; slot < m_keys.size(); ++slot) {
+        const size_t length = m_keys[slot].size();
+        if (m_slotsByLength.size() <= length) {
+            m_slotsByLength.resize(length + 1);
+        }
+        m_slotsByLength[length].push_back(static_cast<uint32_t>(slot));
+    }
     ReadFile(path);
 }
 
@@ -42,9 +49,14 @@ void SectionedBankIndex::AddLine(std::string_view piece) {
 }
 
 uint32_t SectionedBankIndex::KeySlot(std::string_view token) const {
-    for (size_t slot = 0; slot < m_keys.size(); ++slot) {
-        if (m_keys[slot] == token) {
-            return static_cast<uint32_t>(slot);
+    if (token.size() >= m_slotsByLength.size()) {
+        return kNone;
+    }
+    // Keys of one length mostly differ in their first or last character.
+    for (const uint32_t slot : m_slotsByLength[token.size()]) {
+        const std::string& key = m_keys[slot];
+        if (key.front() == token.front() && key.back() == token.back() && key == token) {
+            return slot;
         }
     }
     return kNone;

@@ -51,6 +51,9 @@ class SectionedBankIndex {
     void AnswerPending(uint32_t slot, std::string_view piece);
 
     std::vector<std::string> m_keys;
+    // Key slots by the length of their key, so that a line's token is compared with the few
+    // keys of its length only.
+    std::vector<std::vector<uint32_t>> m_slotsByLength;
     bool m_open = false;
     // Sections in the order their first header line appears, by machine number.
     std::vector<uint32_t> m_sectionsInOrder;

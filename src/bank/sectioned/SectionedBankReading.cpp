@@ -1,6 +1,9 @@
 // Reading sectioned banks: one machine section into a record, and whole files (the system
 // banks of a folder, the user bank) into a catalogue.
+#include <exception>
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "bank/BankPathKind.h"
@@ -8,6 +11,8 @@
 #include "bank/sectioned/MachineSectionFormat.h"
 #include "bank/sectioned/QZRFileIO.h"
 #include "bank/sectioned/SectionedBankIndex.h"
+#include "catalogue/QZRMoldingMachineCtrlAccess.h"
+#include "catalogue/QZRMoldingMachineDatabase.h"
 #include "platform/CNumbers.h"
 #include "platform/Env.h"
 
@@ -62,21 +67,48 @@ bool ParseIndexedSection(const MachineSectionFormat<Record>& format,
 // keeps the file's previous machine's value); a user bank starts every machine afresh.
 enum class RecordUse { kOneForTheFile, kFreshPerSection };
 
+// The result of AddMachine, which the loaders do not look at: a catalogue without a store, or
+// one that runs out of memory, drops the machine.
+template <class Record>
+void AddCopy(CQZRMoldingMachineCtrl& catalogue, Record& machine) {
+    catalogue.AddMachine(machine);
+}
+
+// The same for a record made for this one machine: the store keeps it as it is.
+template <class Record>
+void AddOwn(CQZRMoldingMachineCtrl& catalogue, std::unique_ptr<Record> machine) {
+    if (CQZRMoldingMachineDatabase* store = CQZRMoldingMachineCtrlAccess::Store(catalogue)) {
+        try {
+            store->AdoptMachine(std::move(machine));
+        } catch (const std::exception&) {
+            // as AddMachine: the machine is not added
+        }
+    }
+}
+
 // Reads sections 1, 2, ... until the first one that does not parse, at most
 // kMaxMachineSection of them. The catalogue's verdict on each machine is not looked at.
 template <class Record>
 void AddMachineSections(const MachineSectionFormat<Record>& format, const std::string& path,
                         RecordUse use, CQZRMoldingMachineCtrl& catalogue) {
     const SectionedBankIndex index(path, format.KeysInReadOrder());
-    Record machine;
-    for (long number = 1; number <= SectionedBankIndex::kMaxMachineSection; ++number) {
-        if (use == RecordUse::kFreshPerSection && number > 1) {
-            machine = Record();
+    if (use == RecordUse::kOneForTheFile) {
+        Record machine;
+        for (long number = 1; number <= SectionedBankIndex::kMaxMachineSection; ++number) {
+            if (!ParseIndexedSection(format, index, number, machine)) {
+                return;
+            }
+            AddCopy(catalogue, machine);
         }
-        if (!ParseIndexedSection(format, index, number, machine)) {
+        return;
+    }
+    const Record fresh;  // copying a default record is cheaper than building one
+    for (long number = 1; number <= SectionedBankIndex::kMaxMachineSection; ++number) {
+        auto machine = std::make_unique<Record>(fresh);
+        if (!ParseIndexedSection(format, index, number, *machine)) {
             return;
         }
-        catalogue.AddMachine(machine);
+        AddOwn(catalogue, std::move(machine));
     }
 }
 
