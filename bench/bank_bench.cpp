@@ -12,7 +12,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -39,27 +38,29 @@
 // in use and their high-water mark. Only the memory probes read them.
 
 namespace {
-std::atomic<long long> g_liveBytes{0};
-std::atomic<long long> g_peakBytes{0};
+// Counting is switched on only in the children of the memory probes, so that it costs the
+// timed runs nothing but a test of this flag.
+bool g_counting = false;
+long long g_liveBytes = 0;
+long long g_peakBytes = 0;
 
 void* CountedAllocate(std::size_t size) {
     void* p = std::malloc(size == 0 ? 1 : size);
     if (p == nullptr) {
         throw std::bad_alloc();
     }
-    const long long live = g_liveBytes.fetch_add(static_cast<long long>(malloc_usable_size(p)),
-                                                 std::memory_order_relaxed) +
-                           static_cast<long long>(malloc_usable_size(p));
-    if (live > g_peakBytes.load(std::memory_order_relaxed)) {
-        g_peakBytes.store(live, std::memory_order_relaxed);
+    if (g_counting) {
+        g_liveBytes += static_cast<long long>(malloc_usable_size(p));
+        g_peakBytes = std::max(g_peakBytes, g_liveBytes);
     }
     return p;
 }
 
 void CountedFree(void* p) {
     if (p != nullptr) {
-        g_liveBytes.fetch_sub(static_cast<long long>(malloc_usable_size(p)),
-                              std::memory_order_relaxed);
+        if (g_counting) {
+            g_liveBytes -= static_cast<long long>(malloc_usable_size(p));
+        }
         std::free(p);
     }
 }
@@ -126,6 +127,11 @@ struct Options {
     double minTime = 0.3;
     bool memory = true;
     std::string filter;  // --benchmark_filter, to probe the memory of the chosen cases only
+    // --probe=<case>:<N>:<descriptor>: this process is a memory probe (see MemoryProbe).
+    bool probe = false;
+    std::size_t probeCase = 0;
+    std::size_t probeSize = 0;
+    int probeOut = -1;
 };
 
 // -------------------------------------------------------------------------------------------
@@ -349,8 +355,13 @@ std::vector<Case> Cases() {
 
 // Saves need a target that does not exist yet, so that every save is a first save (a save over
 // an existing bank first copies it to its ".bak"); loads need an empty catalogue.
+// The catalogue of the previous load is destroyed here, outside the timing: a timed load
+// starts as a load into a new catalogue of a running host does, its heap holding the blocks
+// the previous catalogue freed. (The memory probe's single run in a fresh process gives the
+// cold figure, every page of the new catalogue first touched.)
 void ResetBetweenRuns(const Case& c, const SizeData& data, CaseState& state) {
     if (c.name.rfind("load", 0) == 0) {
+        state.catalogue.reset();
         state.catalogue = std::make_unique<CQZRMoldingMachineCtrl>();
     } else if (c.name == "save sectioned user bank") {
         std::remove(data.saveSectioned.c_str());
@@ -360,17 +371,19 @@ void ResetBetweenRuns(const Case& c, const SizeData& data, CaseState& state) {
 }
 
 // -------------------------------------------------------------------------------------------
-// Memory: each case runs once in a child process of its own. The child sets the case up, then
-// notes the heap in use and resets the kernel's RSS high-water mark (/proc/self/clear_refs),
-// runs the operation, and reports the heap's high-water mark above that start (operator new
-// accounting), what stays in use afterwards (the catalogue a load made), and the growth of
-// VmHWM over VmRSS at the start.
+// Memory: each case runs once in a fresh process of its own (this program started again with
+// --probe). It sets the case up, then notes the heap in use and resets the kernel's RSS
+// high-water mark (/proc/self/clear_refs), runs the operation, and reports the heap's
+// high-water mark above that start (operator new accounting), what stays in use afterwards
+// (the catalogue a load made), the growth of VmHWM over VmRSS at the start, and the CPU time
+// of that one cold run.
 
 struct MemoryResult {
     bool valid = false;
     double peakHeap = 0;      // bytes above the start, at the highest point
     double retainedHeap = 0;  // bytes above the start, after the operation
     double rssGrowth = 0;     // VmHWM after the operation minus VmRSS before it
+    double coldSeconds = 0;   // CPU time of this one run, in a process that ran nothing before
 };
 
 long long StatusKiB(const char* field) {
@@ -400,7 +413,34 @@ void ResetRssHighWater() {
     }
 }
 
-MemoryResult MemoryProbe(const Case& c, const SizeData& data) {
+// Runs in a process started for this one case (see MemoryProbe): sets the case up, measures
+// one run, and writes the figures to the given descriptor.
+void RunProbe(const Case& c, const SizeData& data, int out) {
+    CaseState state;
+    c.setup(data, state);
+    ResetBetweenRuns(c, data, state);
+    // Only what is allocated from here on is counted, and freeing it counts back.
+    g_counting = true;
+    const long long startHeap = g_liveBytes;
+    g_peakBytes = startHeap;
+    ResetRssHighWater();
+    const long long startRss = StatusKiB("VmRSS");
+    const double cpuStart = ThreadSeconds();
+    c.run(data, state);
+    const double cpuEnd = ThreadSeconds();
+    MemoryResult measured;
+    measured.valid = true;
+    measured.coldSeconds = cpuEnd - cpuStart;
+    measured.peakHeap = static_cast<double>(g_peakBytes - startHeap);
+    measured.retainedHeap = static_cast<double>(g_liveBytes - startHeap);
+    measured.rssGrowth = static_cast<double>(StatusKiB("VmHWM") - startRss) * 1024.0;
+    const ssize_t ignored = ::write(out, &measured, sizeof(measured));
+    (void)ignored;
+}
+
+// Starts this program again (a fresh process: nothing allocated or touched before) for one
+// case and size, and reads back what it measured.
+MemoryResult MemoryProbe(std::size_t caseIndex, const SizeData& data, const Options& options) {
     int pipeFds[2];
     MemoryResult result;
     if (::pipe(pipeFds) != 0) {
@@ -410,23 +450,12 @@ MemoryResult MemoryProbe(const Case& c, const SizeData& data) {
     const pid_t child = ::fork();
     if (child == 0) {
         ::close(pipeFds[0]);
-        CaseState state;
-        c.setup(data, state);
-        ResetBetweenRuns(c, data, state);
-        malloc_trim(0);
-        const long long startHeap = g_liveBytes.load();
-        g_peakBytes.store(startHeap);
-        ResetRssHighWater();
-        const long long startRss = StatusKiB("VmRSS");
-        c.run(data, state);
-        MemoryResult measured;
-        measured.valid = true;
-        measured.peakHeap = static_cast<double>(g_peakBytes.load() - startHeap);
-        measured.retainedHeap = static_cast<double>(g_liveBytes.load() - startHeap);
-        measured.rssGrowth = static_cast<double>(StatusKiB("VmHWM") - startRss) * 1024.0;
-        const ssize_t ignored = ::write(pipeFds[1], &measured, sizeof(measured));
-        (void)ignored;
-        ::_exit(0);
+        const std::string probe = "--probe=" + std::to_string(caseIndex) + ":" +
+                                  std::to_string(data.n) + ":" + std::to_string(pipeFds[1]);
+        const std::string dataDir = "--data=" + options.dataDir;
+        ::execl("/proc/self/exe", "qzr_bench", probe.c_str(), dataDir.c_str(),
+                static_cast<char*>(nullptr));
+        ::_exit(127);
     }
     ::close(pipeFds[1]);
     if (child > 0) {
@@ -519,6 +548,10 @@ void RegisterCase(const Case& c, const SizeData& data, const Options& options) {
         ->Unit(benchmark::kMillisecond)
         ->Repetitions(options.repetitions)
         ->ReportAggregatesOnly(true)
+        ->ComputeStatistics("min",
+                            [](const std::vector<double>& values) {
+                                return *std::min_element(values.begin(), values.end());
+                            })
         ->MinTime(options.minTime);
 }
 
@@ -619,20 +652,23 @@ void PrintTable(const std::vector<Case>& cases, const std::vector<SizeData>& siz
             const double perSecond = !c.isReference ? t.work.machines / t.seconds : 0;
             const Target target = c.isReference ? Target{"", nullptr} : TargetOf(c.name);
             const bool memory = t.memory.valid;
-            PrintRow({c.name, std::to_string(data.n), Fixed(t.seconds * 1e3, 2),
-                      Fixed(t.wallSeconds * 1e3, 2), mbs > 0 ? Fixed(mbs, 0) : "-", Rate(perSecond),
-                      referenceSeconds > 0 ? Fixed(referenceSeconds * 1e3, 2) : "-",
-                      ratio > 0 ? Fixed(ratio, 2) : "-", target.text,
-                      target.holds ? (target.holds(t, ratio) ? "yes" : "NO") : "",
-                      memory ? mib(t.memory.peakHeap) : "-",
-                      memory ? mib(t.memory.retainedHeap) : "-",
-                      t.work.bytes > 0 ? mib(static_cast<double>(t.work.bytes)) : "-",
-                      memory ? mib(t.memory.rssGrowth) : "-", MemoryVerdict(c.name, t)});
+            PrintRow(
+                {c.name, std::to_string(data.n), Fixed(t.seconds * 1e3, 2),
+                 Fixed(t.wallSeconds * 1e3, 2), memory ? Fixed(t.memory.coldSeconds * 1e3, 2) : "-",
+                 mbs > 0 ? Fixed(mbs, 0) : "-", Rate(perSecond),
+                 referenceSeconds > 0 ? Fixed(referenceSeconds * 1e3, 2) : "-",
+                 ratio > 0 ? Fixed(ratio, 2) : "-", target.text,
+                 target.holds ? (target.holds(t, ratio) ? "yes" : "NO") : "",
+                 memory ? mib(t.memory.peakHeap) : "-", memory ? mib(t.memory.retainedHeap) : "-",
+                 t.work.bytes > 0 ? mib(static_cast<double>(t.work.bytes)) : "-",
+                 memory ? mib(t.memory.rssGrowth) : "-", MemoryVerdict(c.name, t)});
         }
     }
     std::printf(
         "\ncpu ms / wall ms: medians over the repetitions of one operation's CPU time (user and "
-        "system, of the thread) and wall time.\nx ref: CPU time over that of the reference pass "
+        "system, of the thread) and wall time; cold ms: CPU time of the one run of the memory "
+        "probe,\nin a fresh process (every page first touched).\nx ref: CPU time over that of the "
+        "reference pass "
         "on the same file(s) at the same N. machines/s: machines loaded, saved or visited.\n"
         "peak MiB: heap high-water mark above the start of the operation (operator new "
         "accounting, one run in a child process);\nkept MiB: heap still in use after it (for a "
@@ -667,6 +703,9 @@ Options ParseOptions(int* argc, char** argv) {
             options.repetitions = std::max(1, std::atoi(reps));
         } else if (const char* minTime = value("--min-time=")) {
             options.minTime = std::atof(minTime);
+        } else if (const char* probe = value("--probe=")) {
+            options.probe = std::sscanf(probe, "%zu:%zu:%d", &options.probeCase, &options.probeSize,
+                                        &options.probeOut) == 3;
         } else if (arg == "--no-memory") {
             options.memory = false;
         } else {
@@ -687,6 +726,20 @@ Options ParseOptions(int* argc, char** argv) {
 
 int main(int argc, char** argv) {
     const Options options = ParseOptions(&argc, argv);
+    if (options.probe) {
+        const std::vector<Case> cases = Cases();
+        if (options.probeCase >= cases.size()) {
+            return 2;
+        }
+        RunProbe(cases[options.probeCase], PrepareSize(options.dataDir, options.probeSize),
+                 options.probeOut);
+        return 0;
+    }
+    // The timed runs measure a host that has loaded and saved before: memory a destroyed
+    // catalogue gave back stays with the process instead of going back to the system, so a
+    // run does not depend on what the runs before it happened to free. The cold column gives
+    // the other case.
+    mallopt(M_TRIM_THRESHOLD, 1 << 30);
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
         return 1;
@@ -699,15 +752,16 @@ int main(int argc, char** argv) {
     }
     const std::vector<Case> cases = Cases();
 
-    // Memory first, from a parent that holds nothing big yet.
+    // Memory and cold runs first, each case in a fresh process of its own.
     std::map<std::string, MemoryResult> memory;
     if (options.memory) {
-        for (const Case& c : cases) {
+        for (std::size_t index = 0; index < cases.size(); ++index) {
             for (const SizeData& data : sizes) {
-                const std::string name = BenchmarkName(c, data.n);
-                if (!c.isReference && (options.filter.empty() ||
-                                       std::regex_search(name, std::regex(options.filter)))) {
-                    memory[name] = MemoryProbe(c, data);
+                const std::string name = BenchmarkName(cases[index], data.n);
+                if (!cases[index].isReference &&
+                    (options.filter.empty() ||
+                     std::regex_search(name, std::regex(options.filter)))) {
+                    memory[name] = MemoryProbe(index, data, options);
                 }
             }
         }
