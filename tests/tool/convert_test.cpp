@@ -72,9 +72,8 @@ TEST(Convert, LegacyUserBankToSectionedListsWhatIsLost) {
         << result.out;
     ExpectSameCarriedAttributes(Load(qzrbank::BankLoad::OldIMMUser, input),
                                 Load(qzrbank::BankLoad::IMMUser, output));
-    const std::string written = qzrbank_test::ReadFile(output);
-    EXPECT_NE(written.find("CreateBy   = qzrbank convert\r\n"), std::string::npos);
-    EXPECT_NE(written.find("Remark     = Converted from user-pro.bnk\r\n"), std::string::npos);
+    EXPECT_NE(qzrbank_test::ReadFile(output).find("CreateBy   = qzrbank convert\r\n"),
+              std::string::npos);
 }
 
 // Sectioned -> legacy -> sectioned -> legacy: after the first conversion nothing more is lost,
@@ -90,38 +89,16 @@ TEST(Convert, RoundTripsSettleAfterTheFirstConversion) {
     EXPECT_NE(first.out.find("Kemberline - KL-110e: lost Controller 2, HoldingPressure 196"),
               std::string::npos);
     ASSERT_EQ(Convert(folder / "first.bnk", folder / "middle.bnk").exitCode, 0);
+    // A replaced file is kept as .bak.
+    qzrbank_test::WriteFile(folder.Path() / "last.bnk", "previous content\n");
     ASSERT_EQ(Convert(folder / "middle.bnk", folder / "last.bnk").exitCode, 0);
+    EXPECT_EQ(qzrbank_test::ReadFile(folder.Path() / "last.bnk.bak"), "previous content\n");
     EXPECT_EQ(qzrbank_test::ReadFile(folder.Path() / "first.bnk"),
               qzrbank_test::ReadFile(folder.Path() / "last.bnk"));
     ExpectSameCarriedAttributes(Load(qzrbank::BankLoad::IMMUser, input),
                                 Load(qzrbank::BankLoad::OldIMMUser, folder / "first.bnk"));
-    // Only the output is left: the temporary folder of the legacy save is gone.
-    int entries = 0;
-    for (const auto& entry : fs::directory_iterator(folder.Path())) {
-        EXPECT_EQ(entry.path().extension(), ".bnk") << entry.path();
-        ++entries;
-    }
-    EXPECT_EQ(entries, 3);
-}
-
-TEST(Convert, ASystemBankConvertsToo) {
-    qzrbank_test::TempFolder folder;
-    const std::string input = qzrbank_test::ExamplesBank() + "/Machine/IMM/Quillner.bnk";
-    const Output result = Convert(input, folder / "user-pro.bnk");
-    ASSERT_EQ(result.exitCode, 0) << result.err;
-    EXPECT_NE(result.out.find("(IMMSystemBankFiles) -> "), std::string::npos);
-    EXPECT_EQ(Load(qzrbank::BankLoad::OldIMMUser, folder / "user-pro.bnk").size(), 8u);
-}
-
-TEST(Convert, AReplacedFileIsKeptAsBak) {
-    for (const char* input : {"/user-pro.bnk", "/User-IMM.bnk"}) {
-        SCOPED_TRACE(input);
-        qzrbank_test::TempFolder folder;
-        qzrbank_test::WriteFile(folder.Path() / "out.bnk", "previous content\n");
-        ASSERT_EQ(Convert(qzrbank_test::ExamplesBank() + input, folder / "out.bnk").exitCode, 0);
-        EXPECT_EQ(qzrbank_test::ReadFile(folder.Path() / "out.bnk.bak"), "previous content\n");
-        EXPECT_NE(qzrbank_test::ReadFile(folder.Path() / "out.bnk"), "previous content\n");
-    }
+    // Only the outputs are left: the temporary folder of the legacy save is gone.
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder.Path()), fs::directory_iterator()), 4);
 }
 
 TEST(Convert, TextsThatBreakALegacyRowAreWarnedAndCaught) {
@@ -167,12 +144,7 @@ TEST(Convert, Refusals) {
         EXPECT_NE(result.err.find(row.error), std::string::npos) << result.err;
         EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << result.err;
     }
-    int entries = 0;
-    for (const auto& entry : fs::directory_iterator(folder.Path())) {
-        ADD_FAILURE() << "left behind: " << entry.path();
-        ++entries;
-    }
-    EXPECT_EQ(entries, 0);
+    EXPECT_TRUE(fs::is_empty(folder.Path())) << "a refusal left a file behind";
 }
 
 }  // namespace
