@@ -1,5 +1,6 @@
-// Adding, looking up, editing and checking machines: the id rules, the kind of a new group, the
-// global machine index, lookups that stop at the first match, removals and the name checks.
+// Adding, looking up, editing and checking machines: the id rules, lookups that stop at the first
+// match, removals and the name checks. (The kind a new group takes is checked against the plain
+// model in model_test.cpp.)
 #include <gtest/gtest.h>
 
 #include <string>
@@ -46,56 +47,6 @@ TEST(CatalogueAdding, IdRules) {
     ASSERT_TRUE(catalogue.RemoveAllMaker());
     ASSERT_TRUE(Add(catalogue, IM("BETA", "B-2")));
     EXPECT_EQ(Picture(catalogue), "BETA#1[B-2:1]");
-}
-
-// A new group takes the record's kind while the catalogue holds no machine and its flag is clear,
-// and the file type otherwise; a kind that does not fit releases the group (false). A maker with
-// a group of the other kind keeps it: true, nothing stored. Ids are issued all the same.
-TEST(CatalogueAdding, KindOfTheGroupTable) {
-    enum Before { kEmpty, kHoldsMachine, kOnlyEmptyGroup };
-    const struct {
-        const char* label;
-        Before before;
-        bool initialized;
-        int fileType;
-        const char* maker;
-        bool transfer;  // the record added: CQZRRTM when true, CQZRIM otherwise
-        bool result;
-        bool stored;
-    } rows[] = {
-        // clang-format off
-        {"empty, clear, type 0, RTM: the record decides", kEmpty, false, 0, "NEW", true, true, true},
-        {"empty, set, type 1, IM: the type decides", kEmpty, true, 1, "NEW", false, false, false},
-        {"empty, set, type -1, IM: any kind but 1 holds IM", kEmpty, true, -1, "NEW", false, true, true},
-        {"holds IM, type 1, RTM", kHoldsMachine, false, 1, "NEW", true, true, true},
-        {"holds IM, type 1, IM", kHoldsMachine, false, 1, "NEW", false, false, false},
-        {"holds IM, type 7, IM", kHoldsMachine, false, 7, "NEW", false, true, true},
-        {"only an empty group, type 1, IM", kOnlyEmptyGroup, false, 1, "NEW", false, true, true},
-        {"RTM for a maker filed as IM", kHoldsMachine, false, 1, "first", true, true, false},
-        // clang-format on
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.label);
-        CQZRMoldingMachineCtrl catalogue;
-        if (row.before != kEmpty) {
-            ASSERT_TRUE(Add(catalogue, IM("FIRST", "F-1")));
-        }
-        if (row.before == kOnlyEmptyGroup) {
-            ASSERT_TRUE(catalogue.RemoveMachine(1));
-        }
-        catalogue.SetFileType(row.fileType);
-        catalogue.SetDatabaseInitialize(row.initialized);
-        const int makers = catalogue.GetTotalMaker();
-        const int machines = catalogue.GetTotalMachine();
-        CQZRIM im = IM(row.maker, "N-1");
-        CQZRRTM rtm = RTM(row.maker, "N-1");
-        CQZRMoldingMachine& added = row.transfer ? static_cast<CQZRMoldingMachine&>(rtm) : im;
-        EXPECT_EQ(row.transfer ? catalogue.AddMachine(rtm) : catalogue.AddMachine(im), row.result);
-        EXPECT_EQ(catalogue.GetTotalMachine(), machines + (row.stored ? 1 : 0));
-        EXPECT_EQ(catalogue.GetTotalMaker(), makers + (row.stored && row.maker[0] == 'N'));
-        EXPECT_EQ(added.GetMachineID(), machines + 1);
-        EXPECT_EQ(added.GetMakerID(), row.maker[0] == 'N' ? makers + 1 : 1);
-    }
 }
 
 // ACME (injection moulding) then BETA (transfer moulding: R-1).
@@ -165,7 +116,7 @@ TEST(CatalogueEdits, RemovalsTable) {
 }
 
 // The data setters overwrite every field of the machine of their kind, its machine id included.
-TEST(CatalogueEdits, SetMachineDataKeepsTheKind) {
+TEST(CatalogueEdits, SetMachineDataKeepsTheKindAndRemoveAllMakerEmpties) {
     CQZRMoldingMachineCtrl catalogue;
     FillMixed(catalogue);
     CQZRIM im;
@@ -183,12 +134,7 @@ TEST(CatalogueEdits, SetMachineDataKeepsTheKind) {
     EXPECT_FALSE(catalogue.IsMachineNameExist(RTM("OTHERCO", "R-2")));
     EXPECT_TRUE(catalogue.IsMachineNameExist("OTHERCO - R-2"));
     EXPECT_FALSE(catalogue.IsMachineNameExist("BETA - R-2"));
-}
-
-// Version, format and type become -1 and the flag is cleared; the texts stay.
-TEST(CatalogueEdits, RemoveAllMaker) {
-    CQZRMoldingMachineCtrl catalogue;
-    FillMixed(catalogue);
+    // Emptying: version, format and type become -1 and the flag is cleared; the texts stay.
     catalogue.SetFileRemark("kept");
     catalogue.SetDatabaseInitialize(true);
     EXPECT_TRUE(catalogue.RemoveAllMaker());
