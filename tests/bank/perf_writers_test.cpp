@@ -144,9 +144,7 @@ TEST(BankWriters, WriteWhatThePlainFormatsWrite) {
         catalogue.SetFileVersion(9000);
         catalogue.SetFileFormat(1);
         catalogue.SetDatabaseInitialize(true);
-        catalogue.SetFileCreateBy(
-            "Pr\xFC"
-            "fstand");
+        catalogue.SetFileCreateBy("Pr\xFC\x66stand");
         CQZRMoldingMachineCtrl transfer;
         transfer.SetFileVersion(9100);
         transfer.SetFileFormat(1);
@@ -174,11 +172,9 @@ TEST(BankWriters, WriteWhatThePlainFormatsWrite) {
                 catalogue.SetFileType(1);
                 catalogue.AddMachine(rtm);
                 catalogue.SetFileType(0);
-                CQZRIM emptied;
-                emptied.SetMaker("Empty");
-                emptied.SetGrade("E-1");
+                CQZRIM emptied = Machine(qzr::bank::IMMSectionFormat(), "Empty", i);
                 catalogue.AddMachine(emptied);
-                catalogue.RemoveMachine("Empty", "E-1");
+                catalogue.RemoveMachine("Empty", emptied.GetGrade());
             }
         }
         const std::string bank = folder.Folder() + "/";
