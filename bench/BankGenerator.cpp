@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <fstream>
 
-#include <QZRMachine/NozzleSpecification.h>
+#include <QZRMachine/QZRIM.h>
 
 namespace qzr::bench {
 

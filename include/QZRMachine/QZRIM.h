@@ -4,12 +4,22 @@
 
 #include <memory>
 
-#include <QZRMachine/NozzleSpecification.h>
 #include <QZRMachine/QZRExport.h>
 #include <QZRMachine/QZRMoldingMachine.h>
 
+// The nozzle data carried by every injection-moulding record, copied as a whole.
+struct NozzleSpecification {
+    int Type = 0;
+    double Value1 = 0.0;
+    double Value2 = 0.0;
+    double Value3 = 0.0;
+    double Value4 = 0.0;
+    double Value5 = 0.0;
+    double Value6 = 0.0;
+};
+
 class QZRMACHINE_API CQZRIM : public CQZRMoldingMachine {
-public:
+  public:
     CQZRIM();
     CQZRIM(const CQZRIM& other);
     CQZRIM& operator=(const CQZRIM& other);
@@ -89,7 +99,7 @@ public:
     bool IsSimpleMachineIdentity(const CQZRIM& other) const;
     bool IsNameIdentity(const CQZRIM& other) const;
 
-private:
+  private:
     struct Fields;
     QZRMACHINE_PRIVATE_MEMBERS_BEGIN
     std::unique_ptr<Fields> m_fields;

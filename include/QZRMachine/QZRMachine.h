@@ -2,7 +2,6 @@
 #ifndef QZRMACHINE_QZRMACHINE_H
 #define QZRMACHINE_QZRMACHINE_H
 
-#include <QZRMachine/NozzleSpecification.h>
 #include <QZRMachine/QZRExport.h>
 #include <QZRMachine/QZRIM.h>
 #include <QZRMachine/QZRMoldingMachine.h>

@@ -7,7 +7,7 @@
 #include <QZRMachine/QZRExport.h>
 
 class QZRMACHINE_API CQZRMoldingMachine {
-public:
+  public:
     CQZRMoldingMachine();
     CQZRMoldingMachine(const CQZRMoldingMachine& other);
     CQZRMoldingMachine& operator=(const CQZRMoldingMachine& other);
@@ -41,12 +41,12 @@ public:
     // -1 for a bare record, 0 for CQZRIM, 1 for CQZRRTM.
     int GetMachineType() const;
 
-protected:
+  protected:
     void SetMachineType(int machineType);
     // The library's name rule: both present and equal after lower-casing.
     static bool IsConsistent(const char* first, const char* second);
 
-private:
+  private:
     struct Fields;
     QZRMACHINE_PRIVATE_MEMBERS_BEGIN
     std::unique_ptr<Fields> m_fields;

@@ -13,7 +13,7 @@ class CQZRMoldingMachineDatabase;
 class CQZRMoldingMachineCtrlAccess;
 
 class QZRMACHINE_API CQZRMoldingMachineCtrl {
-public:
+  public:
     CQZRMoldingMachineCtrl();
     CQZRMoldingMachineCtrl(const CQZRMoldingMachineCtrl& other);
     CQZRMoldingMachineCtrl& operator=(const CQZRMoldingMachineCtrl& other);
@@ -84,7 +84,7 @@ public:
     bool IsMachineNameExist(const CQZRRTM& machine) const;
     bool IsMachineNameExist(const char* displayName) const;
 
-private:
+  private:
     friend class CQZRMoldingMachineCtrlAccess;  // the library's own bank code and tests
 
     bool Initialize();

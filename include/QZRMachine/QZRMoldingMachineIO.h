@@ -11,7 +11,7 @@ class CQZRMoldingMachineReader;
 class CQZRMoldingMachineWriter;
 
 class QZRMACHINE_API CQZRMoldingMachineIO {
-public:
+  public:
     CQZRMoldingMachineIO();
     // A copy starts without reader and writer of its own; they are made on first use.
     CQZRMoldingMachineIO(const CQZRMoldingMachineIO& other);
@@ -37,7 +37,7 @@ public:
 
     bool GetLoadDatabasePath(char* buffer, int size) const;
 
-private:
+  private:
     QZRMACHINE_PRIVATE_MEMBERS_BEGIN
     std::unique_ptr<CQZRMoldingMachineReader> m_reader;
     std::unique_ptr<CQZRMoldingMachineWriter> m_writer;

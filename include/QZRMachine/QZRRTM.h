@@ -8,7 +8,7 @@
 #include <QZRMachine/QZRMoldingMachine.h>
 
 class QZRMACHINE_API CQZRRTM : public CQZRMoldingMachine {
-public:
+  public:
     CQZRRTM();
     CQZRRTM(const CQZRRTM& other);
     CQZRRTM& operator=(const CQZRRTM& other);
@@ -38,7 +38,7 @@ public:
     bool IsSimpleMachineIdentity(const CQZRRTM& other) const;
     bool IsNameIdentity(const CQZRRTM& other) const;
 
-private:
+  private:
     struct Fields;
     QZRMACHINE_PRIVATE_MEMBERS_BEGIN
     std::unique_ptr<Fields> m_fields;

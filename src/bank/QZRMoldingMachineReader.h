@@ -15,7 +15,7 @@
 #include "bank/legacy/OldRowLayout.h"
 
 class CQZRMoldingMachineReader {
-public:
+  public:
     CQZRMoldingMachineReader();
     virtual ~CQZRMoldingMachineReader();
 
@@ -43,7 +43,7 @@ public:
     // Nothing in the library records a path here; it stays empty.
     const std::string& GetLoadPath() const { return m_loadPath; }
 
-private:
+  private:
     int m_headerVersion = -1;
     int m_headerFormat = -1;
     int m_headerType = -1;

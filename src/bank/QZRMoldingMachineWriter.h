@@ -11,7 +11,7 @@
 #include "bank/BankPathKind.h"
 
 class CQZRMoldingMachineWriter {
-public:
+  public:
     // Size of every path buffer the save protocol builds, terminator included.
     static constexpr int kPathBufferSize = 260;
 

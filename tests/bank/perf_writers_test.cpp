@@ -12,7 +12,7 @@
 
 #include <gtest/gtest.h>
 
-#include <QZRMachine/NozzleSpecification.h>
+#include <QZRMachine/QZRIM.h>
 #include <QZRMachine/QZRMoldingMachineCtrl.h>
 
 #include "bank/QZRMoldingMachineWriter.h"

@@ -5,7 +5,6 @@
 #include <string>
 #include <string_view>
 
-#include <QZRMachine/NozzleSpecification.h>
 #include <QZRMachine/QZRIM.h>
 #include <QZRMachine/QZRMoldingMachineCtrl.h>
 

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <string_view>
 
-#include <QZRMachine/NozzleSpecification.h>
+#include <QZRMachine/QZRIM.h>
 
 #include "bank/BankNumbers.h"
 #include "bank/QZRMoldingMachineReader.h"
@@ -55,7 +55,7 @@ constexpr std::array<TrailingField, 10> k7004Fields = {{
     QZR_BASE_FIELDS(4),
 }};
 
-// Places 1 to 7 of the 7005 layout are the nozzle specification (see ReadNozzleFields).
+// Places 1 to 7 of the 7005 layout are the nozzle fields (see ReadNozzleFields).
 constexpr int kNozzleFieldCount = 7;
 constexpr std::array<TrailingField, 12> k7005Fields = {{
     Real(8, &CQZRIM::SetHydraulicPressureTransferFactor),
@@ -196,7 +196,7 @@ void ReadTrailingFields(const RowTokens& tokens, const LayoutFields& layout, CQZ
 }
 
 // The seven nozzle fields of the 7005 layout: Type seventh from the end, then Value1 to
-// Value6. They fill a fresh specification, so a member whose field does not convert is 0
+// Value6. They fill a fresh NozzleSpecification, so a member whose field does not convert is 0
 // whatever the record held, and it replaces the record's own as a whole.
 void ReadNozzleFields(const RowTokens& tokens, CQZRIM& machine) {
     NozzleSpecification nozzle;
