@@ -1,0 +1,185 @@
+// One catalogue, one sequence of bytes: the three writers save a catalogue full of hard numbers
+// (signed zeros, denormals, the largest doubles, inf, nan, 32-bit extremes) to the files pinned
+// under tests/data/pinned, on every platform; and banks whose numbers are spelt every way a
+// reader meets them load to the same values everywhere, shown by saving them again.
+//
+// QZR_UPDATE_PINNED=1 rewrites the pinned files from this build (after a deliberate change of
+// the bytes; review the difference before committing it).
+#include <cfloat>
+#include <climits>
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <QZRMachine/QZRMachine.h>
+
+#include "bank_test_support.h"
+#include "records/RecordAttributes.h"
+
+namespace {
+
+using qzr::bank::testing::FixedClock;
+using qzr::bank::testing::TempFolder;
+using qzr::records::testing::Attribute;
+using qzr::records::testing::Kind;
+using qzr::records::testing::Table;
+using qzr::records::testing::Value;
+
+const std::string kPinned = std::string(QZR_TEST_DATA_DIR) + "/pinned/";
+
+std::string ReadBytes(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+// The pinned file's bytes, or, with QZR_UPDATE_PINNED=1, the given bytes written in its place.
+std::string Pinned(const std::string& name, const std::string& written) {
+    const char* update = std::getenv("QZR_UPDATE_PINNED");
+    if (update != nullptr && std::string(update) == "1") {
+        std::ofstream(kPinned + name, std::ios::binary) << written;
+    }
+    return ReadBytes(kPinned + name);
+}
+
+const double kInf = std::numeric_limits<double>::infinity();
+const double kNaN = std::numeric_limits<double>::quiet_NaN();
+const std::vector<double> kReals = {
+    0.0,     -0.0,       1.5,    -2.675,    99.995, 1e-7, 5e-324, 2.2250738585072014e-308,
+    DBL_MAX, -DBL_MAX,   1e300,  kInf,      -kInf,  kNaN, -kNaN,  123456789.125,
+    0.005,   1e15 + 0.3, 8.5e-5, -1234.5678};
+const std::vector<int> kIntegers = {0, -1, 7, INT_MAX, INT_MIN, 65536};
+
+// Every attribute of each machine a value of its own kind from the hard lists, shifted by one
+// from machine to machine so that each value passes through every field.
+template <class R>
+R HardMachine(int machine) {
+    R record;
+    const std::vector<Attribute<R>> table = Table<R>();
+    for (size_t row = 0; row < table.size(); ++row) {
+        const std::string name = table[row].name;
+        if (name == "MakerID" || name == "MachineID" || name == "GradeID") {
+            continue;  // the catalogue issues these
+        }
+        const size_t shift = row + static_cast<size_t>(machine);
+        switch (table[row].kind) {
+            case Kind::Int:
+                table[row].set(record,
+                               Value(static_cast<double>(kIntegers[shift % kIntegers.size()])));
+                break;
+            case Kind::Real:
+                table[row].set(record, Value(kReals[shift % kReals.size()]));
+                break;
+            case Kind::Text: {
+                const std::string text = name + " " + std::to_string(machine);
+                table[row].set(record, Value(text.c_str()));
+                break;
+            }
+        }
+    }
+    record.SetMaker(machine % 3 == 0 ? "Pellwick" : "Ostrander Presswerk");
+    record.SetGrade(("PX-" + std::to_string(machine)).c_str());
+    return record;
+}
+
+CQZRMoldingMachineCtrl HardCatalogue(int version, int type) {
+    CQZRMoldingMachineCtrl catalogue;
+    catalogue.SetFileVersion(version);
+    catalogue.SetFileFormat(1);
+    catalogue.SetFileType(type);
+    catalogue.SetDatabaseInitialize(true);
+    catalogue.SetFileName("Pinned numbers");
+    catalogue.SetFileCreateBy("bank tests");
+    const int machines = static_cast<int>(kReals.size());
+    for (int machine = 0; machine < machines; ++machine) {
+        if (type == 1) {
+            CQZRRTM record = HardMachine<CQZRRTM>(machine);
+            catalogue.AddMachine(record);
+        } else {
+            CQZRIM record = HardMachine<CQZRIM>(machine);
+            catalogue.AddMachine(record);
+        }
+    }
+    return catalogue;
+}
+
+struct Format {
+    const char* file;  // the user bank's name, under Bank/
+    int version;
+    int type;
+    std::function<bool(CQZRMoldingMachineIO&, const TempFolder&, const CQZRMoldingMachineCtrl*)>
+        save;
+    std::function<bool(CQZRMoldingMachineIO&, const std::string&, CQZRMoldingMachineCtrl*)> load;
+};
+
+const std::vector<Format>& Formats() {
+    static const std::vector<Format> formats = {
+        {"user-pro.bnk", 7007, 0,
+         [](auto& io, auto& folder, auto catalogue) {
+             return io.SaveOldIMMUserDatabase((folder.Folder() + "/").c_str(), catalogue);
+         },
+         [](auto& io, auto& path, auto catalogue) {
+             return io.LoadOldIMMUserDatabase(path.c_str(), catalogue);
+         }},
+        {"User-IMM.bnk", 9000, 0,
+         [](auto& io, auto& folder, auto catalogue) {
+             return io.SaveIMMUserDatabase(folder.File("Bank/User-IMM.bnk").c_str(), catalogue);
+         },
+         [](auto& io, auto& path, auto catalogue) {
+             return io.LoadIMMUserDatabase(path.c_str(), catalogue);
+         }},
+        {"User-RTMIC.bnk", 9000, 1,
+         [](auto& io, auto& folder, auto catalogue) {
+             return io.SaveRTMUserDatabase((folder.Folder() + "/").c_str(), catalogue);
+         },
+         [](auto& io, auto& path, auto catalogue) {
+             return io.LoadRTMUserDatabase(path.c_str(), catalogue);
+         }},
+    };
+    return formats;
+}
+
+// The bytes the format's writer gives for the catalogue.
+std::string Saved(const Format& format, const CQZRMoldingMachineCtrl& catalogue) {
+    FixedClock clock;
+    TempFolder folder;
+    folder.MakeFolder("Bank");
+    CQZRMoldingMachineIO io;
+    EXPECT_TRUE(format.save(io, folder, &catalogue));
+    return folder.Read(std::string("Bank/") + format.file);
+}
+
+TEST(PinnedBytes, HardNumbersSaveToTheSameBytesOnEveryPlatform) {
+    for (const Format& format : Formats()) {
+        SCOPED_TRACE(format.file);
+        const std::string written = Saved(format, HardCatalogue(format.version, format.type));
+        const std::string pinned = Pinned(format.file, written);
+        ASSERT_FALSE(pinned.empty()) << "no pinned file " << kPinned << format.file;
+        EXPECT_TRUE(written == pinned) << "the bytes differ from " << kPinned << format.file;
+    }
+}
+
+// Each "spellings-" bank holds numbers written as other writers and hand edits leave them
+// (blanks, signs, capitals, inf and nan words, hexadecimal, three-digit exponents, overflow,
+// trailing text); loading it and saving it again gives the pinned "resaved-" bytes.
+TEST(PinnedBytes, EverySpellingOfANumberLoadsToTheSameValue) {
+    for (const Format& format : Formats()) {
+        SCOPED_TRACE(format.file);
+        CQZRMoldingMachineIO io;
+        CQZRMoldingMachineCtrl catalogue;
+        ASSERT_TRUE(format.load(io, kPinned + "spellings-" + format.file, &catalogue));
+        ASSERT_GT(catalogue.GetTotalMachine(), 0);
+        const std::string resaved = Saved(format, catalogue);
+        EXPECT_TRUE(resaved == Pinned(std::string("resaved-") + format.file, resaved))
+            << "the loaded values differ from the ones pinned in resaved-" << format.file;
+    }
+}
+
+}  // namespace
