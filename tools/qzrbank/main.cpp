@@ -10,6 +10,10 @@
 
 int main(int argc, char** argv) {
     CLI::App app{"qzrbank: list, show, describe, check and convert QZRMachine bank files"};
+    // Paths are arguments on every platform: CLI11 would otherwise read "/data/Bank" on
+    // Windows as an option named "data/Bank". Subcommands copy the setting when they are added;
+    // each is also set below, so that moving this line cannot bring the fault back.
+    app.allow_windows_style_options(false);
     app.require_subcommand(1);
     app.footer(
         "Exit codes: 0 done (check: nothing found), 1 check found something or no such machine,\n"
@@ -51,6 +55,11 @@ int main(int argc, char** argv) {
         "legacy bank -> sectioned IMM user bank, sectioned IMM bank -> legacy user bank");
     convertCommand->add_option("IN", convert.input, "the bank to convert")->required();
     convertCommand->add_option("OUT", convert.output, "the bank file to write")->required();
+
+    for (CLI::App* command :
+         {listCommand, showCommand, infoCommand, checkCommand, convertCommand}) {
+        command->allow_windows_style_options(false);
+    }
 
     try {
         app.parse(argc, argv);
