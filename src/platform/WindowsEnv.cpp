@@ -193,8 +193,30 @@ class WindowsEnv : public Env {
                              MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != FALSE;
     }
 
+    // A read-only file is removed too, as POSIX unlinks one: the attribute guards what a file
+    // holds, and the saves remove only their own stale temporary file, which may be read-only.
     bool RemoveFile(const std::string& path) override {
-        return !path.empty() && ::DeleteFileA(path.c_str()) != FALSE;
+        if (path.empty()) {
+            return false;
+        }
+        if (::DeleteFileA(path.c_str()) != FALSE) {
+            return true;
+        }
+        const DWORD attributes = ::GetFileAttributesA(path.c_str());
+        if (attributes == INVALID_FILE_ATTRIBUTES || IsFolderAttributes(attributes) ||
+            (attributes & FILE_ATTRIBUTE_READONLY) == 0) {
+            return false;
+        }
+        const DWORD writable = attributes & ~static_cast<DWORD>(FILE_ATTRIBUTE_READONLY);
+        if (::SetFileAttributesA(path.c_str(), writable == 0 ? FILE_ATTRIBUTE_NORMAL : writable) ==
+            FALSE) {
+            return false;
+        }
+        if (::DeleteFileA(path.c_str()) != FALSE) {
+            return true;
+        }
+        ::SetFileAttributesA(path.c_str(), attributes);  // not removed after all: as it was
+        return false;
     }
 
     // A file created in a folder inherits the folder's access rights; what a bank carries of

@@ -1,5 +1,6 @@
 // Helpers of the reliability tests (failing saves, hostile files): a scratch folder whose
-// whole content can be snapshotted, and invented catalogues of both kinds of machine.
+// whole content can be snapshotted, a file held open by "another program" on Windows, and
+// invented catalogues of both kinds of machine.
 #ifndef QZR_TESTS_BANK_RELIABILITY_TEST_SUPPORT_H
 #define QZR_TESTS_BANK_RELIABILITY_TEST_SUPPORT_H
 
@@ -11,6 +12,16 @@
 #include <string>
 #include <string_view>
 
+#if defined(_WIN32)
+#ifndef WIN32_LEAN_AND_MEAN
+#define WIN32_LEAN_AND_MEAN
+#endif
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#include <windows.h>
+#endif
+
 #include <QZRMachine/QZRIM.h>
 #include <QZRMachine/QZRMoldingMachineCtrl.h>
 #include <QZRMachine/QZRRTM.h>
@@ -19,6 +30,27 @@ namespace qzr::reliability::testing {
 
 // Every entry of a folder tree by its relative path: a file's bytes, or "<folder>".
 using FolderSnapshot = std::map<std::string, std::string>;
+
+#if defined(_WIN32)
+// Holds a file open without sharing it, as another program may: nobody else opens it meanwhile.
+class HeldOpen {
+  public:
+    explicit HeldOpen(const std::string& path)
+        : m_handle(::CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
+                                 OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr)) {}
+    ~HeldOpen() {
+        if (m_handle != INVALID_HANDLE_VALUE) {
+            ::CloseHandle(m_handle);
+        }
+    }
+    HeldOpen(const HeldOpen&) = delete;
+    HeldOpen& operator=(const HeldOpen&) = delete;
+    bool held() const { return m_handle != INVALID_HANDLE_VALUE; }
+
+  private:
+    HANDLE m_handle;
+};
+#endif
 
 class ScratchFolder {
   public:
@@ -33,9 +65,20 @@ class ScratchFolder {
             }
         }
     }
+    // Removes only the folder the constructor made, never one that existed before. Windows
+    // removes no read-only file, so what a test made read-only is made writable first (links
+    // are not followed: their targets are none of this folder's business).
     ~ScratchFolder() {
+        namespace fs = std::filesystem;
         std::error_code ignored;
-        std::filesystem::remove_all(m_path, ignored);
+        for (fs::recursive_directory_iterator it(m_path, ignored), end; it != end;
+             it.increment(ignored)) {
+            if (!it->is_symlink(ignored)) {
+                fs::permissions(it->path(), fs::perms::owner_read | fs::perms::owner_write,
+                                fs::perm_options::add, ignored);
+            }
+        }
+        fs::remove_all(m_path, ignored);
     }
     ScratchFolder(const ScratchFolder&) = delete;
     ScratchFolder& operator=(const ScratchFolder&) = delete;
@@ -55,7 +98,9 @@ class ScratchFolder {
     FolderSnapshot Snapshot() const {
         FolderSnapshot entries;
         for (const auto& entry : std::filesystem::recursive_directory_iterator(m_path)) {
-            const std::string name = std::filesystem::relative(entry.path(), m_path).string();
+            // Keys in the generic form ("Bank/User-IMM.bnk") on every platform.
+            const std::string name =
+                std::filesystem::relative(entry.path(), m_path).generic_string();
             if (entry.is_directory()) {
                 entries[name] = "<folder>";
             } else if (!entry.is_regular_file()) {
