@@ -1,5 +1,6 @@
-// Enumeration rules (wildcards against a naive matcher, NTFS order), and the POSIX Env: listing,
-// backslash paths, copies that never destroy their source, and the wrapper tests inject faults by.
+// Enumeration rules (wildcards against a naive matcher, NTFS order), and the Env of the platform:
+// listing, backslash paths, copies that never destroy their source, and the wrapper tests inject
+// faults by.
 #include <gtest/gtest.h>
 
 #include <cctype>
@@ -65,8 +66,6 @@ TEST(Wildcard, NtfsOrder) {
                                                "_x.bnk", "\304b",   "\344a"};
     EXPECT_EQ(names, expected);
 }
-
-#if !defined(_WIN32)
 
 using test::TempFolder;
 
@@ -135,8 +134,6 @@ TEST(Env, BackslashPathsAndTheWrapperSeam) {
     EXPECT_FALSE(env->PathExists(bank));
     EXPECT_EQ(CurrentEnv(), Env::Default());
 }
-
-#endif  // !defined(_WIN32)
 
 }  // namespace
 }  // namespace qzr::platform
