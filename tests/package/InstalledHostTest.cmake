@@ -1,10 +1,13 @@
 # Installs the current build into a prefix of its own, builds the example host against that
 # prefix (through the CMake package, and through pkg-config when it is available), runs it on
-# the example Bank folder and checks what it prints.
+# the example Bank folder and checks what it prints. A cross build configures the host with its
+# toolchain file and runs it through its emulator (Wine for the MinGW build).
 #
 # Run as: cmake -D BUILD_DIR=... -D SOURCE_DIR=... -D WORK_DIR=... -D GENERATOR=...
-#               -D MAKE_PROGRAM=... -D CXX_COMPILER=... -D BUILD_TYPE=... -D LIB_DIR=...
-#               -D HOST_FLAGS=... [-D PKG_CONFIG=...] [-D NM=...] -P InstalledHostTest.cmake
+#               -D MAKE_PROGRAM=... -D CXX_COMPILER=... -D COMPILER_IS_MSVC=... -D BUILD_TYPE=...
+#               -D LIB_DIR=... -D HOST_FLAGS=... [-D INSTALLED_DLL=bin/....dll]
+#               [-D EXE_SUFFIX=.exe] [-D TOOLCHAIN_FILE=...] [-D EMULATOR=...]
+#               [-D PKG_CONFIG=...] -P InstalledHostTest.cmake
 cmake_minimum_required(VERSION 3.25)
 
 foreach(var BUILD_DIR SOURCE_DIR WORK_DIR GENERATOR CXX_COMPILER LIB_DIR)
@@ -41,33 +44,30 @@ foreach(installed
     endif()
 endforeach()
 
-# The shared object exports the five exported classes (with their vtables and typeinfo) and
-# nothing else: no internal class, no standard-library template code.
-set(shared_library ${prefix}/${LIB_DIR}/libQZRMachine.so)
-if(NM AND EXISTS ${shared_library})
-    run_step("Listing the exported symbols" ${NM} -D --defined-only -C ${shared_library})
-    string(REPLACE "\n" ";" symbol_lines "${step_output}")
-    set(exported_classes "(CQZRMoldingMachine|CQZRIM|CQZRRTM|CQZRMoldingMachineCtrl|CQZRMoldingMachineIO)")
-    set(symbol_count 0)
-    foreach(symbol_line IN LISTS symbol_lines)
-        if(symbol_line STREQUAL "")
-            continue()
-        endif()
-        math(EXPR symbol_count "${symbol_count} + 1")
-        string(REGEX REPLACE "^[0-9a-fA-F]+ [A-Za-z] " "" symbol "${symbol_line}")
-        if(NOT symbol MATCHES "^((typeinfo|typeinfo name|vtable) for )?${exported_classes}(::|$)")
-            message(FATAL_ERROR "libQZRMachine.so exports '${symbol}'")
-        endif()
-    endforeach()
-    if(symbol_count EQUAL 0)
-        message(FATAL_ERROR "libQZRMachine.so exports nothing")
+if(INSTALLED_DLL AND NOT EXISTS ${prefix}/${INSTALLED_DLL})
+    message(FATAL_ERROR "The install lacks ${INSTALLED_DLL}")
+endif()
+
+# A Windows host ships the DLL beside its executable, where Windows looks first: the copy comes
+# from the installed bin/ folder, so the build tree's DLL (on wine-run's WINEPATH) is not used.
+function(place_dll exe_dir)
+    if(INSTALLED_DLL)
+        file(COPY ${prefix}/${INSTALLED_DLL} DESTINATION ${exe_dir})
     endif()
+endfunction()
+
+# Under wine-run the host uses the outer build's Wine prefix, made once, and its MinGW runtime.
+if(EMULATOR)
+    set(ENV{QZR_WINE_BUILD_DIR} ${BUILD_DIR})
 endif()
 
 set(configure_args -S ${SOURCE_DIR}/examples/host -B ${host_build} -G ${GENERATOR}
     -DCMAKE_CXX_COMPILER=${CXX_COMPILER}
     -DCMAKE_PREFIX_PATH=${prefix}
     "-DCMAKE_CXX_FLAGS=${HOST_FLAGS}")
+if(TOOLCHAIN_FILE)
+    list(APPEND configure_args -DCMAKE_TOOLCHAIN_FILE=${TOOLCHAIN_FILE})
+endif()
 if(MAKE_PROGRAM)
     list(APPEND configure_args -DCMAKE_MAKE_PROGRAM=${MAKE_PROGRAM})
 endif()
@@ -91,6 +91,7 @@ set(expected_lines
     "Banks: 71 machines")
 
 function(check_host_output label output)
+    string(REPLACE "\r\n" "\n" output "${output}")
     foreach(line IN LISTS expected_lines)
         if(NOT output MATCHES "(^|\n)${line}\n")
             message(FATAL_ERROR "${label}: the output lacks the line '${line}':\n${output}")
@@ -98,20 +99,34 @@ function(check_host_output label output)
     endforeach()
 endfunction()
 
-run_step("Running the host" ${host_build}/qzr_host ${SOURCE_DIR}/examples/)
+place_dll(${host_build})
+run_step("Running the host" ${EMULATOR} ${host_build}/qzr_host${EXE_SUFFIX} ${SOURCE_DIR}/examples/)
 check_host_output("CMake package host" "${step_output}")
 message(STATUS "CMake package host:\n${step_output}")
 
-# The same program through pkg-config, compiled by hand as a Makefile-based host would.
-if(PKG_CONFIG)
-    set(ENV{PKG_CONFIG_PATH} ${prefix}/${LIB_DIR}/pkgconfig)
+# The same program through pkg-config, compiled by hand as a Makefile-based host would (on
+# Windows, a MinGW one). PKG_CONFIG_LIBDIR names the prefix alone, so that no .pc file of the
+# build machine takes part.
+if(NOT PKG_CONFIG)
+    message(STATUS "No pkg-config host: pkg-config was not found")
+elseif(COMPILER_IS_MSVC)
+    message(STATUS "No pkg-config host: MSVC does not take the GCC-style options of a .pc file")
+else()
+    set(ENV{PKG_CONFIG_LIBDIR} ${prefix}/${LIB_DIR}/pkgconfig)
+    unset(ENV{PKG_CONFIG_PATH})
     run_step("pkg-config" ${PKG_CONFIG} --cflags --libs qzrmachine)
     string(STRIP "${step_output}" pc_flags)
     separate_arguments(pc_flags UNIX_COMMAND "${pc_flags}")
     separate_arguments(host_flags UNIX_COMMAND "${HOST_FLAGS}")
+    set(pc_host_dir ${WORK_DIR}/pc-host)
+    file(MAKE_DIRECTORY ${pc_host_dir})
+    set(pc_host ${pc_host_dir}/qzr_host_pc${EXE_SUFFIX})
     run_step("Compiling the host with pkg-config flags" ${CXX_COMPILER} -std=c++17 ${host_flags}
-        ${SOURCE_DIR}/examples/host/main.cpp ${pc_flags} -o ${WORK_DIR}/qzr_host_pc)
-    set(ENV{LD_LIBRARY_PATH} "${prefix}/${LIB_DIR}")
-    run_step("Running the pkg-config host" ${WORK_DIR}/qzr_host_pc ${SOURCE_DIR}/examples/)
+        ${SOURCE_DIR}/examples/host/main.cpp ${pc_flags} -o ${pc_host})
+    place_dll(${pc_host_dir})
+    if(NOT INSTALLED_DLL)
+        set(ENV{LD_LIBRARY_PATH} "${prefix}/${LIB_DIR}")
+    endif()
+    run_step("Running the pkg-config host" ${EMULATOR} ${pc_host} ${SOURCE_DIR}/examples/)
     check_host_output("pkg-config host" "${step_output}")
 endif()
