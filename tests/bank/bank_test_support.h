@@ -17,7 +17,8 @@
 
 namespace qzr::bank::testing {
 
-// A fresh folder under the system's temporary folder, removed with its content at the end.
+// A fresh folder under the system's temporary folder, removed with its content at the end. The
+// name must not exist before, so nothing the test did not make is ever removed.
 class TempFolder {
   public:
     TempFolder() {

@@ -7,8 +7,9 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <random>
 #include <string>
+
+#include "platform/TempFolder.h"
 
 namespace {
 
@@ -40,10 +41,9 @@ std::string Summary(const Ctrl& catalogue) {
 // the sectioned banks' "CreateDate" line, the time of the save. "CreateBy" and "Remark" are not
 // read back by the loaders, so the host sets them again, as an editor of the bank would.
 TEST(ExampleBanks, EveryBankLoadsAndUserBanksComeBackByteForByte) {
-    const fs::path folder =
-        fs::temp_directory_path() / ("qzr-examples-" + std::to_string(std::random_device{}()));
-    fs::create_directories(folder / "Bank");
-    const std::string out = folder.string() + "/";
+    const qzr::test::TempFolder folder;
+    folder.MakeFolder("Bank");
+    const std::string out = folder.path() + "/";
     using Save = bool (*)(CQZRMoldingMachineIO&, const std::string&, const Ctrl*);
     const struct {
         const char* path;  // below the Bank folder
@@ -96,7 +96,6 @@ TEST(ExampleBanks, EveryBankLoadsAndUserBanksComeBackByteForByte) {
         }
         EXPECT_EQ(saved, original) << row.path;
     }
-    fs::remove_all(folder);
 }
 
 // A few machines field by field: the tabs of the transfer-moulding keys, a legacy row's derived

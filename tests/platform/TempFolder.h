@@ -1,5 +1,6 @@
-// A fresh folder for one test, removed with everything in it when the test ends. Its helpers go
-// around the Env on purpose, so that tests check what the Env did against the file system itself.
+// A fresh folder for one test, removed with everything in it when the test ends; the name must
+// not exist before, so nothing the test did not make is ever removed. Its helpers go around the
+// Env on purpose, so that tests check what the Env did against the file system itself.
 #ifndef QZR_TESTS_PLATFORM_TEMPFOLDER_H
 #define QZR_TESTS_PLATFORM_TEMPFOLDER_H
 
