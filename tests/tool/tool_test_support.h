@@ -108,7 +108,7 @@ inline std::string QuoteForCommandLine(const std::string& argument) {
 class InheritedFile {
   public:
     InheritedFile(const std::string& path, DWORD access, DWORD disposition) {
-        SECURITY_ATTRIBUTES inherit = {sizeof inherit, nullptr, TRUE};
+        SECURITY_ATTRIBUTES inherit = {static_cast<DWORD>(sizeof inherit), nullptr, TRUE};
         m_handle = ::CreateFileA(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE, &inherit,
                                  disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
         if (m_handle == INVALID_HANDLE_VALUE) {
@@ -134,7 +134,7 @@ inline int RunProcess(const std::vector<std::string>& argv, const std::string& i
     const InheritedFile output(out, GENERIC_WRITE, CREATE_ALWAYS);
     const InheritedFile errors(err, GENERIC_WRITE, CREATE_ALWAYS);
     STARTUPINFOA startup = {};
-    startup.cb = sizeof startup;
+    startup.cb = static_cast<DWORD>(sizeof startup);
     startup.dwFlags = STARTF_USESTDHANDLES;
     startup.hStdInput = input.get();
     startup.hStdOutput = output.get();
