@@ -22,7 +22,6 @@
 #include "bank/sectioned/QZRFileIO.h"
 #include "bank/sectioned/SectionedBankIndex.h"
 #include "bank/sectioned/SectionedLine.h"
-#include "platform/CNumbers.h"
 #include "platform/EnvWrapper.h"
 
 namespace {
@@ -135,7 +134,7 @@ void Compare(InputAsFile& file, size_t indexPiece, const std::string& path,
     }
     for (size_t position = 0; position < numbers.size(); ++position) {
         const long number = numbers[position];
-        const std::string section = qzr::platform::FormatC("[Machine-%ld]", number);
+        const std::string section = "[Machine-" + std::to_string(number) + "]";
         for (size_t slot = 0; slot < keys.size(); ++slot) {
             if (!Asked(position, slot)) {
                 continue;

@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "bank/BankNumbers.h"
+#include "platform/CNumbers.h"
 
 namespace qzr::bank {
 
@@ -34,10 +34,10 @@ class TextBuffer {
         m_data[m_size++] = c;
     }
 
-    // A number written by one of the writers of BankNumbers.h, straight into the buffer.
+    // A number written by one of the writers of platform/CNumbers.h, straight into the buffer.
     template <class Value>
     void AppendNumber(char* (*write)(Value, char*), Value value) {
-        Reserve(kLongestNumber);
+        Reserve(platform::kLongestNumber);
         m_size = static_cast<std::size_t>(write(value, m_data.data() + m_size) - m_data.data());
     }
 

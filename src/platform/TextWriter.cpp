@@ -1,9 +1,6 @@
 #include "platform/TextWriter.h"
 
-#include <cstdarg>
 #include <cstring>
-
-#include "platform/CNumbers.h"
 
 namespace qzr::platform {
 
@@ -59,15 +56,6 @@ void TextWriter::Write(std::string_view text) {
             FlushBuffer();
         }
     }
-}
-
-void TextWriter::Format(const char* format, ...) {
-    m_scratch.clear();
-    va_list args;
-    va_start(args, format);
-    AppendFormatCV(&m_scratch, format, args);
-    va_end(args);
-    Write(m_scratch);
 }
 
 bool TextWriter::FlushBuffer() {

@@ -20,28 +20,19 @@ class TextWriter {
 
     bool IsOpen() const;
     void Write(std::string_view text);
-    // printf-style under the "C" locale (a decimal point is always '.').
-    void Format(const char* format, ...)
-#if defined(__GNUC__)
-        __attribute__((format(printf, 2, 3)))
-#endif
-        ;
     // Flushes and syncs to the medium; false if any write so far failed.
     bool Sync();
     // Flushes and closes; false if any write, the flush or the close failed. A second call
     // repeats the first one's answer. Writing after Close fails.
     bool Close();
-    bool Failed() const {
-        return m_failed;
-    }
+    bool Failed() const { return m_failed; }
 
   private:
     bool FlushBuffer();
 
     std::unique_ptr<WritableFile> m_file;
-    std::string m_buffer;   // bytes as they go to disk (line ends already CR LF)
-    size_t m_used = 0;      // how many of m_buffer's bytes are in use
-    std::string m_scratch;  // Format's text before translation
+    std::string m_buffer;  // bytes as they go to disk (line ends already CR LF)
+    size_t m_used = 0;     // how many of m_buffer's bytes are in use
     bool m_failed = false;
 };
 

@@ -1,6 +1,6 @@
 #include "platform/TimeStamp.h"
 
-#include "platform/CNumbers.h"
+#include <charconv>
 
 namespace qzr::platform {
 
@@ -36,6 +36,17 @@ CivilDate CivilFromDays(int64_t days) {
     return date;
 }
 
+// "%02d" of a number from 0 to 99.
+std::string TwoDigits(int64_t value) {
+    return {static_cast<char>('0' + value / 10), static_cast<char>('0' + value % 10)};
+}
+
+// "%lld" of the year.
+std::string Year(int64_t year) {
+    char digits[24];
+    return std::string(digits, std::to_chars(digits, digits + sizeof(digits), year).ptr);
+}
+
 }  // namespace
 
 // The text the banks have always carried, the C runtime's asctime form but with the day of the
@@ -50,10 +61,11 @@ std::string FormatUtcTimeStamp(int64_t secondsSinceEpoch) {
     const int64_t secondOfDay = remainder < 0 ? remainder + kSecondsPerDay : remainder;
     const CivilDate date = CivilFromDays(days);
     const int64_t weekday = ((days + 4) % 7 + 7) % 7;  // 1970-01-01 was a Thursday
-    return FormatC("%s %s %02d %02d:%02d:%02d %lld\n", kWeekdays[weekday], kMonths[date.month - 1],
-                   date.day, static_cast<int>(secondOfDay / 3600),
-                   static_cast<int>(secondOfDay / 60 % 60), static_cast<int>(secondOfDay % 60),
-                   static_cast<long long>(date.year));
+    // "%s %s %02d %02d:%02d:%02d %lld\n"
+    return std::string(kWeekdays[weekday]) + " " + kMonths[date.month - 1] + " " +
+           TwoDigits(date.day) + " " + TwoDigits(secondOfDay / 3600) + ":" +
+           TwoDigits(secondOfDay / 60 % 60) + ":" + TwoDigits(secondOfDay % 60) + " " +
+           Year(date.year) + "\n";
 }
 
 }  // namespace qzr::platform

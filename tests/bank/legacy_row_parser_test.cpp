@@ -23,6 +23,12 @@ namespace {
 
 using OracleField = void (*)(const std::string& token, CQZRIM& m, NozzleSpecification& n);
 
+// "%.*g"
+std::string G(double value, int precision) {
+    char text[platform::kLongestNumber];
+    return std::string(text, platform::WriteG(value, precision, text));
+}
+
 template <void (CQZRIM::*Set)(double)>
 void Real(const std::string& token, CQZRIM& m, NozzleSpecification&) {
     double value = 0;
@@ -90,7 +96,7 @@ bool OracleParseOldRow(const char* row, OldRowLayout layout, CQZRIM& m) {
     const double volume =
         m.GetScrewDiameter() * 0.7853975 * m.GetScrewDiameter() * m.GetScrewStroke() * 0.001;
     double rounded = 0.0;
-    platform::ScanDouble(platform::FormatC("%.4lg", volume).c_str(), &rounded);
+    platform::ScanDouble(G(volume, 4).c_str(), &rounded);
     m.SetShotVolume(rounded);
 
     std::string copy = text;
@@ -121,7 +127,7 @@ std::string LegacyFields(const CQZRIM& m, int precision = 6) {
         n.Value1, n.Value2, n.Value3, n.Value4, n.Value5, n.Value6};
     // clang-format on
     for (const double value : values) {
-        text += platform::FormatC(" %.*g", precision, value);
+        text += " " + G(value, precision);
     }
     return text;
 }

@@ -10,7 +10,6 @@
 #include "bank/sectioned/QZRFileIO.h"
 #include "bank/sectioned/SectionedBankIndex.h"
 #include "bank_test_support.h"
-#include "platform/CNumbers.h"
 
 namespace {
 
@@ -32,7 +31,7 @@ int ExpectSameAsReference(const std::string& path, const std::vector<std::string
     EXPECT_EQ(index.IsOpen(), opened);
     int found = 0;
     for (long section = 1; section <= lastSection; ++section) {
-        const std::string name = qzr::platform::FormatC("[Machine-%ld]", section);
+        const std::string name = "[Machine-" + std::to_string(section) + "]";
         for (size_t slot = 0; slot < keys.size(); ++slot) {
             const char* want = nullptr;
             const char* got = nullptr;

@@ -1,66 +1,20 @@
-// The platform's text conversions: numbers always as in the "C" locale, names folded as the
-// current locale says, and the banks' UTC time stamp, each against the C library as oracle.
+// The platform's text conversions: names folded as the current locale says, and the banks' UTC
+// time stamp against the C library as oracle. Numbers have numbers_test.cpp.
 #include <gtest/gtest.h>
 
-#include <climits>
-#include <clocale>
-#include <cmath>
 #include <cstdint>
 #include <cstdio>
-#include <cstring>
 #include <ctime>
 #include <limits>
 #include <random>
 #include <string>
 
-#include "platform/CNumbers.h"
 #include "platform/CaseFolding.h"
 #include "platform/ScopedLocale.h"
 #include "platform/TimeStamp.h"
 
 namespace qzr::platform {
 namespace {
-
-// Within 32 bits both conversions must agree with sscanf's own "%lf" and "%d", also in leaving
-// the value alone when nothing converts.
-TEST(CNumbers, ScanAgreesWithSscanf) {
-    for (const char* text :
-         {"1.5",  "  -2.25xyz", " \t\n\v\f\r7", "+3e2", "2.5e+007",    ".5",         "5.", "1,5",
-          "0x1A", "0x1p4",      "-INFINITY",    "nan",  "1e999",       "0000000005", "",   "   ",
-          "abc",  "-",          "+ 5",          "e5",   "-2147483648", "2147483647"}) {
-        double ours = -7.0;
-        double theirs = -7.0;
-        EXPECT_EQ(ScanDouble(text, &ours), std::sscanf(text, "%lf", &theirs) == 1) << text;
-        EXPECT_TRUE(ours == theirs || (std::isnan(ours) && std::isnan(theirs))) << text;
-        int ourInt = -7;
-        int theirInt = -7;
-        EXPECT_EQ(ScanInt(text, &ourInt), std::sscanf(text, "%d", &theirInt) == 1) << text;
-        EXPECT_EQ(ourInt, theirInt) << text;
-    }
-    // Beyond 32 bits sscanf is undefined; the banks load the same everywhere by clamping.
-    int value = 0;
-    EXPECT_TRUE(ScanInt("2147483648", &value));
-    EXPECT_EQ(value, INT_MAX);
-    EXPECT_TRUE(ScanInt("-99999999999999999999x", &value));
-    EXPECT_EQ(value, INT_MIN);
-}
-
-// A host running with a decimal comma still gets '.' in every bank, and keeps its own locale.
-TEST(CNumbers, FormatInAnyLocale) {
-    const std::string remark(5000, 'r');  // longer than any fixed buffer
-    std::string out = "Remark = ";
-    AppendFormatC(&out, "%s|%d", remark.c_str(), 7);
-    EXPECT_EQ(out, "Remark = " + remark + "|7");
-    test::ScopedLocale locale("de_DE.UTF-8");
-    if (!locale.installed() || std::strcmp(std::localeconv()->decimal_point, ",") != 0) {
-        GTEST_SKIP() << "no decimal-comma locale on this host";
-    }
-    EXPECT_EQ(FormatC("%lf|%6.2f|%lg", 1.5, -2.25, 0.125), "1.500000| -2.25|0.125");
-    double real = 0;
-    EXPECT_TRUE(ScanDouble("2,5", &real));
-    EXPECT_EQ(real, 2.0);
-    EXPECT_STREQ(std::localeconv()->decimal_point, ",") << "host locale changed";
-}
 
 // A-Z fold in every locale; other bytes as the locale's tolower says, multibyte characters kept
 // whole. Rows whose locale the host lacks are skipped.

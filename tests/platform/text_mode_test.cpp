@@ -188,7 +188,7 @@ TEST(TextWriter, BuffersAndReportsFailures) {
         for (size_t pos = 0; pos < text.size(); pos += 7777) {
             writer.Write(std::string_view(text).substr(pos, 7777));
         }
-        writer.Format("%-14s = %lf\n", "ClampingForce", 1500.25);
+        writer.Write("ClampingForce  = 1500.250000\n");
         EXPECT_EQ(writer.Failed(), row.failedBeforeClose) << row.label;
         EXPECT_EQ(writer.Close(), row.closes) << row.label;
         EXPECT_EQ(writer.Close(), row.closes) << row.label << ", second close";

@@ -9,12 +9,12 @@
 #include <QZRMachine/QZRMoldingMachineCtrl.h>
 
 #include "bank/BankFileSave.h"
-#include "bank/BankNumbers.h"
 #include "bank/BankPathKind.h"
 #include "bank/CatalogueWalk.h"
 #include "bank/QZRMoldingMachineWriter.h"
 #include "bank/TextBuffer.h"
 #include "catalogue/QZRMoldingMachineCtrlAccess.h"
+#include "platform/CNumbers.h"
 #include "platform/TextWriter.h"
 
 namespace qzr::legacy {
@@ -47,8 +47,8 @@ constexpr const char* kOldUserBankHead =
 // The row is the text of the C format
 //   "%d,%s,%s,%s,%6.2f,%6.2f,%6.2f,%6.2f,%6.2f,%6.2f,%lg,%lg,%6.2f,%6.2f,%d,%6.2f,%d,%6.2f,"
 //   "%6.2f,%6.2f,%6.2f,%6.2f,%6.2f\n"
-// put together field by field (bank/BankNumbers.h writes each number as that format would).
-// The time constants ("%lg") take the C library's exponent digits when they need an exponent
+// put together field by field (platform/CNumbers.h writes each number as that format would).
+// The time constants ("%lg") take two exponent digits when they need an exponent, as C99 has it
 // ("1e-05" here, "1e-005" from the DLL); the readers take both.
 class OldUserRow {
   public:
@@ -88,18 +88,18 @@ class OldUserRow {
         m_row.Append(',');
     }
     void Int(int value) {
-        m_row.AppendNumber(&bank::WriteD, value);
+        m_row.AppendNumber(&platform::WriteD, value);
         m_row.Append(',');
     }
     void Fixed(double value) {
-        m_row.AppendNumber(&bank::WriteWidth6Fixed2, value);
+        m_row.AppendNumber(&platform::WriteWidth6Fixed2, value);
         m_row.Append(',');
     }
     void General(double value) {
-        m_row.AppendNumber(&bank::WriteLg, value);
+        m_row.AppendNumber(&platform::WriteLg, value);
         m_row.Append(',');
     }
-    void Last(double value) { m_row.AppendNumber(&bank::WriteWidth6Fixed2, value); }
+    void Last(double value) { m_row.AppendNumber(&platform::WriteWidth6Fixed2, value); }
 
     bank::TextBuffer m_row;
 };

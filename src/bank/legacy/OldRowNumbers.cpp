@@ -3,7 +3,6 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
-#include <string>
 #include <system_error>
 
 #include "platform/CNumbers.h"
@@ -63,20 +62,17 @@ double RoundToFourDigits(double value) {
     if (RoundShortcut(value, &rounded)) {
         return rounded;
     }
+    char text[platform::kLongestNumber + 1];
+    char* const end = platform::WriteG(value, 4, text);
     if (std::isfinite(value)) {
-        // to_chars with a precision prints exactly what printf prints with it.
-        char text[40];
-        const std::to_chars_result printed =
-            std::to_chars(text, text + sizeof(text), value, std::chars_format::general, 4);
-        if (printed.ec == std::errc() &&
-            std::from_chars(text, printed.ptr, rounded, std::chars_format::general).ec ==
-                std::errc()) {
+        // The text is plain digits, with no blank or "+" to skip: from_chars reads it directly.
+        if (std::from_chars(text, end, rounded, std::chars_format::general).ec == std::errc()) {
             return rounded;
         }
         rounded = 0.0;
     }
-    const std::string printed = platform::FormatC("%.4lg", value);
-    platform::ScanDouble(printed.c_str(), &rounded);
+    *end = '\0';
+    platform::ScanDouble(text, &rounded);
     return rounded;
 }
 

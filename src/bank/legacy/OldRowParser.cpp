@@ -7,7 +7,6 @@
 
 #include <QZRMachine/QZRIM.h>
 
-#include "bank/BankNumbers.h"
 #include "bank/QZRMoldingMachineReader.h"
 #include "bank/legacy/OldRowNumbers.h"
 #include "platform/CNumbers.h"
@@ -183,7 +182,7 @@ void ReadTrailingFields(const RowTokens& tokens, const LayoutFields& layout, CQZ
         const char* token = tokens.FromEnd(field.fromEnd);
         if (field.setReal != nullptr) {
             double value = 0.0;
-            if (bank::ScanReal(token, &value)) {
+            if (platform::ScanDouble(token, &value)) {
                 (machine.*field.setReal)(value);
             }
         } else {
@@ -204,7 +203,7 @@ void ReadNozzleFields(const RowTokens& tokens, CQZRIM& machine) {
     double* const values[] = {&nozzle.Value1, &nozzle.Value2, &nozzle.Value3,
                               &nozzle.Value4, &nozzle.Value5, &nozzle.Value6};
     for (int i = 0; i < 6; ++i) {
-        bank::ScanReal(tokens.FromEnd(6 - i), values[i]);
+        platform::ScanDouble(tokens.FromEnd(6 - i), values[i]);
     }
     machine.SetNozzleSpecification(nozzle);
 }

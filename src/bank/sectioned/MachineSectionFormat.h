@@ -16,7 +16,6 @@
 #include <QZRMachine/QZRIM.h>
 #include <QZRMachine/QZRRTM.h>
 
-#include "bank/BankNumbers.h"
 #include "bank/sectioned/QZRFileIO.h"
 #include "platform/CNumbers.h"
 
@@ -96,7 +95,7 @@ bool FillMachineSection(const MachineSectionFormat<Record>& format, const Lookup
                 (machine.*row.setInteger)(integer);
                 break;
             case KeyValueKind::kReal:
-                qzr::bank::ScanReal(value, &real);
+                qzr::platform::ScanDouble(value, &real);
                 (machine.*row.setReal)(real);
                 break;
         }

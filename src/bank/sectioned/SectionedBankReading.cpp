@@ -1,5 +1,6 @@
 // Reading sectioned banks: one machine section into a record, and whole files (the system
 // banks of a folder, the user bank) into a catalogue.
+#include <charconv>
 #include <exception>
 #include <memory>
 #include <string>
@@ -13,7 +14,6 @@
 #include "bank/sectioned/SectionedBankIndex.h"
 #include "catalogue/QZRMoldingMachineCtrlAccess.h"
 #include "catalogue/QZRMoldingMachineDatabase.h"
-#include "platform/CNumbers.h"
 #include "platform/Env.h"
 
 namespace {
@@ -27,8 +27,11 @@ constexpr int kUserBankFormat = 1;
 constexpr int kIMMType = 0;
 constexpr int kRTMType = 1;
 
+// "[Machine-%ld]" with the index.
 std::string MachineSectionName(long index) {
-    return qzr::platform::FormatC("[Machine-%ld]", index);
+    char digits[24];
+    char* end = std::to_chars(digits, digits + sizeof(digits), index).ptr;
+    return "[Machine-" + std::string(digits, end) + "]";
 }
 
 // One section through the reference lookup, which rescans the file for every key.

@@ -5,13 +5,13 @@
 #include <vector>
 
 #include "bank/BankFileSave.h"
-#include "bank/BankNumbers.h"
 #include "bank/BankPathKind.h"
 #include "bank/CatalogueWalk.h"
 #include "bank/QZRMoldingMachineWriter.h"
 #include "bank/TextBuffer.h"
 #include "bank/sectioned/MachineSectionFormat.h"
 #include "catalogue/QZRMoldingMachineCtrlAccess.h"
+#include "platform/CNumbers.h"
 #include "platform/TextWriter.h"
 
 namespace {
@@ -19,9 +19,9 @@ namespace {
 using qzr::bank::KeyValueKind;
 using qzr::bank::MachineKey;
 using qzr::bank::MachineSectionFormat;
-using qzr::bank::WriteD;
-using qzr::bank::WriteLf;
 using qzr::platform::TextWriter;
+using qzr::platform::WriteD;
+using qzr::platform::WriteLf;
 
 constexpr int kFirstSectionedVersion = 9000;
 constexpr int kUserBankFormat = 1;
@@ -44,7 +44,7 @@ void WriteText(TextWriter& out, const char* text) {
 
 // A line of the C format "<prefix>%d\n".
 void WriteIntegerLine(TextWriter& out, const char* prefix, int value) {
-    char number[qzr::bank::kLongestNumber];
+    char number[qzr::platform::kLongestNumber];
     out.Write(prefix);
     out.Write(std::string_view(number, static_cast<size_t>(WriteD(value, number) - number)));
     out.Write("\n");
