@@ -3,7 +3,11 @@
 // EnvWrapper) to inject a failing open, write, copy or rename.
 //
 // Paths are the library's 8-bit texts with the backslash as separator; an Env maps them to
-// the OS's form (on POSIX every backslash becomes '/').
+// the OS's form (on POSIX every backslash becomes '/'). Names are found as Windows finds them:
+// on a case-sensitive file system, where a component of a path is missing under its exact name,
+// an entry of its folder whose name differs only in ASCII letter case stands in for it (the
+// exact name wins where both exist; among several, the first in NTFS listing order). This
+// holds for every call below; listed paths keep the pattern's folder text as given.
 #ifndef QZR_PLATFORM_ENV_H
 #define QZR_PLATFORM_ENV_H
 

@@ -11,6 +11,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <ctime>
+#include <memory>
+#include <string>
 #include <vector>
 
 #include "platform/Env.h"
@@ -28,8 +30,74 @@ std::string ToOsPath(const std::string& path) {
     return osPath;
 }
 
+// The names in a folder, "." and ".." included; empty when it cannot be read.
+std::vector<std::string> FolderEntries(const std::string& osFolder) {
+    std::vector<std::string> names;
+    const std::unique_ptr<DIR, int (*)(DIR*)> dir(::opendir(osFolder.c_str()), ::closedir);
+    if (dir == nullptr) {
+        return names;
+    }
+    while (const struct dirent* entry = ::readdir(dir.get())) {
+        names.emplace_back(entry->d_name);
+    }
+    return names;
+}
+
+// Windows finds a file or folder whatever the letter case of the name asked for; a
+// case-sensitive file system does not, and bank folders copied from Windows often carry other
+// case ("bank/user-imm.bnk" for "Bank\User-IMM.bnk"). So a path whose exact form is missing is
+// looked up component by component: a component whose exact name is missing is replaced by the
+// entry of its folder whose name differs from it only in ASCII letter case, the first in NTFS
+// listing order where there are several (an exact name always wins). From the first component
+// that has no such entry on, the path stays as given, so a file about to be created gets the
+// name asked for, in the folder found. Only a missing path pays for the lookup.
+std::string FindIgnoringCase(const std::string& osPath) {
+    std::string found;
+    size_t start = 0;
+    while (start <= osPath.size()) {
+        const size_t end = std::min(osPath.find('/', start), osPath.size());
+        const std::string component = osPath.substr(start, end - start);
+        struct stat info;
+        if (component.empty() || component == "." || component == ".." ||
+            ::lstat((found + component).c_str(), &info) == 0) {
+            found += component;
+        } else {
+            const std::vector<std::string> entries =
+                FolderEntries(found.empty() ? std::string(".") : found);
+            const std::string* entry = FindEntryIgnoringCase(component, entries);
+            if (entry == nullptr) {
+                return found + osPath.substr(start);
+            }
+            found += *entry;
+        }
+        if (end < osPath.size()) {
+            found += '/';
+        }
+        start = end + 1;
+    }
+    return found;
+}
+
+// The OS path of a library path, found as Windows would find it (see FindIgnoringCase).
+std::string OsPathOf(const std::string& path) {
+    const std::string osPath = ToOsPath(path);
+    struct stat info;
+    if (osPath.empty() || ::stat(osPath.c_str(), &info) == 0) {
+        return osPath;
+    }
+    return FindIgnoringCase(osPath);
+}
+
 bool StatPath(const std::string& path, struct stat* info) {
-    return !path.empty() && ::stat(ToOsPath(path).c_str(), info) == 0;
+    if (path.empty()) {
+        return false;
+    }
+    const std::string osPath = ToOsPath(path);
+    if (::stat(osPath.c_str(), info) == 0) {
+        return true;
+    }
+    const std::string found = FindIgnoringCase(osPath);
+    return found != osPath && ::stat(found.c_str(), info) == 0;
 }
 
 int OpenRetrying(const char* osPath, int flags, mode_t mode) {
@@ -181,7 +249,7 @@ class PosixEnv : public Env {
         if (path.empty()) {
             return nullptr;
         }
-        const int fd = OpenRegularFileForReading(ToOsPath(path).c_str(), nullptr);
+        const int fd = OpenRegularFileForReading(OsPathOf(path).c_str(), nullptr);
         if (fd < 0) {
             return nullptr;
         }
@@ -194,7 +262,7 @@ class PosixEnv : public Env {
             return nullptr;
         }
         const int flags = O_WRONLY | O_CREAT | (mode == WriteMode::kAppend ? O_APPEND : O_TRUNC);
-        const int fd = OpenRetrying(ToOsPath(path).c_str(), flags, 0666);
+        const int fd = OpenRetrying(OsPathOf(path).c_str(), flags, 0666);
         if (fd < 0) {
             return nullptr;
         }
@@ -209,7 +277,7 @@ class PosixEnv : public Env {
             return false;
         }
         struct stat sourceInfo;
-        FileDescriptor source(OpenRegularFileForReading(ToOsPath(from).c_str(), &sourceInfo));
+        FileDescriptor source(OpenRegularFileForReading(OsPathOf(from).c_str(), &sourceInfo));
         if (!source.valid()) {
             return false;
         }
@@ -217,7 +285,7 @@ class PosixEnv : public Env {
         if (StatPath(to, &targetInfo) && SameFile(sourceInfo, targetInfo)) {
             return false;
         }
-        const std::string osTarget = ToOsPath(to);
+        const std::string osTarget = OsPathOf(to);
         FileDescriptor target(OpenRetrying(osTarget.c_str(), O_WRONLY | O_CREAT | O_TRUNC,
                                            sourceInfo.st_mode & 0777));
         if (!target.valid()) {
@@ -232,21 +300,22 @@ class PosixEnv : public Env {
 
     bool RenameReplacing(const std::string& from, const std::string& to) override {
         return !from.empty() && !to.empty() &&
-               ::rename(ToOsPath(from).c_str(), ToOsPath(to).c_str()) == 0;
+               ::rename(OsPathOf(from).c_str(), OsPathOf(to).c_str()) == 0;
     }
 
     bool RemoveFile(const std::string& path) override {
-        return !path.empty() && ::unlink(ToOsPath(path).c_str()) == 0;
+        return !path.empty() && ::unlink(OsPathOf(path).c_str()) == 0;
     }
 
     bool CopyPermissions(const std::string& from, const std::string& to) override {
         struct stat info;
         return StatPath(from, &info) && !to.empty() &&
-               ::chmod(ToOsPath(to).c_str(), info.st_mode & 07777) == 0;
+               ::chmod(OsPathOf(to).c_str(), info.st_mode & 07777) == 0;
     }
 
-    // The paths keep the pattern's own folder text (backslashes included), as the library
-    // builds every path it hands on; only the folder opened here is mapped.
+    // The paths keep the pattern's own folder text (backslashes included, letter case as
+    // given), as the library builds every path it hands on; only the folder opened here is
+    // mapped and found.
     bool ListMatches(const std::string& pattern, std::vector<std::string>* paths) override {
         if (paths == nullptr) {
             return false;
@@ -254,18 +323,13 @@ class PosixEnv : public Env {
         paths->clear();
         const std::string folder = PatternFolder(pattern);
         const std::string namePattern = PatternName(pattern);
-        const std::string osFolder = folder.empty() ? std::string(".") : ToOsPath(folder);
-        DIR* dir = ::opendir(osFolder.c_str());
-        if (dir == nullptr) {
-            return false;
-        }
-        std::vector<std::string> names;
-        while (const struct dirent* entry = ::readdir(dir)) {
-            if (WildcardMatch(namePattern, entry->d_name)) {
-                names.emplace_back(entry->d_name);
-            }
-        }
-        ::closedir(dir);
+        const std::string osFolder = folder.empty() ? std::string(".") : OsPathOf(folder);
+        std::vector<std::string> names = FolderEntries(osFolder);
+        names.erase(std::remove_if(names.begin(), names.end(),
+                                   [&namePattern](const std::string& name) {
+                                       return !WildcardMatch(namePattern, name);
+                                   }),
+                    names.end());
         SortInNtfsOrder(&names);
         for (const std::string& name : names) {
             paths->push_back(folder + name);

@@ -19,6 +19,19 @@ size_t LastSeparatorEnd(std::string_view pattern) {
     return separator == std::string_view::npos ? 0 : separator + 1;
 }
 
+// The order of SortInNtfsOrder.
+bool ListedBefore(const std::string& a, const std::string& b) {
+    if (NtfsNameLess(a, b)) {
+        return true;
+    }
+    return !NtfsNameLess(b, a) && a < b;
+}
+
+bool SameIgnoringCase(std::string_view a, std::string_view b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                      [](char x, char y) { return UpperAscii(x) == UpperAscii(y); });
+}
+
 }  // namespace
 
 // Greedy matching that remembers only the last '*': when a later literal part fails, that
@@ -57,12 +70,21 @@ bool NtfsNameLess(std::string_view first, std::string_view second) {
 }
 
 void SortInNtfsOrder(std::vector<std::string>* names) {
-    std::sort(names->begin(), names->end(), [](const std::string& a, const std::string& b) {
-        if (NtfsNameLess(a, b)) {
-            return true;
+    std::sort(names->begin(), names->end(), ListedBefore);
+}
+
+const std::string* FindEntryIgnoringCase(std::string_view name,
+                                         const std::vector<std::string>& entries) {
+    const std::string* found = nullptr;
+    for (const std::string& entry : entries) {
+        if (entry == name) {
+            return &entry;
         }
-        return !NtfsNameLess(b, a) && a < b;
-    });
+        if (SameIgnoringCase(entry, name) && (found == nullptr || ListedBefore(entry, *found))) {
+            found = &entry;
+        }
+    }
+    return found;
 }
 
 std::string PatternFolder(std::string_view pattern) {
