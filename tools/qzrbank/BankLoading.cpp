@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "BankText.h"
+#include "platform/Wildcard.h"
 
 #ifndef QZRBANK_SHIPPED_BANK
 #define QZRBANK_SHIPPED_BANK "examples/Bank"
@@ -18,7 +19,9 @@ namespace {
 
 struct FolderSource {
     const char* label;  // as the list shows it
-    const char* tail;   // below the Bank folder, as the library's default paths write it
+    // Below the Bank folder, as the library's default paths write it; its names are found as
+    // the library finds them (FindTail).
+    const char* tail;
     BankLoad load;
     bool isPattern;
     BankKind expectedKind;
@@ -63,6 +66,52 @@ std::string Join(const std::string& folder, const char* tail) {
     return (last == '/' || last == '\\') ? folder + tail : folder + "\\" + tail;
 }
 
+// The entry `name` of a folder, found by the rule the library follows on every platform (built
+// in from it): the exact name, else one that differs only in letter case, which a warning
+// reports once. Empty when the folder holds neither.
+std::string FindEntry(const std::string& folder, const std::string& name,
+                      std::vector<std::string>* warnings) {
+    std::vector<std::string> entries;
+    std::error_code error;
+    for (fs::directory_iterator entry(fs::path(NativePath(folder)), error), end;
+         !error && entry != end; entry.increment(error)) {
+        entries.push_back(entry->path().filename().string());
+    }
+    const std::string* found = qzr::platform::FindEntryIgnoringCase(name, entries);
+    if (found == nullptr) {
+        return {};
+    }
+    const std::string path = Join(folder, found->c_str());
+    if (*found != name) {
+        const std::string warning = NativePath(path) + ": warning: found in place of " + name +
+                                    " (names differ in letter case)";
+        if (std::find(warnings->begin(), warnings->end(), warning) == warnings->end()) {
+            warnings->push_back(warning);
+        }
+    }
+    return path;
+}
+
+// The path of a source's tail below the Bank folder, each name of it found by FindEntry (a
+// pattern's wildcard part is kept as it stands); empty when a name is missing.
+std::string FindTail(const std::string& bankFolder, const FolderSource& source,
+                     std::vector<std::string>* warnings) {
+    const std::string tail = source.tail;
+    std::string path = bankFolder;
+    for (size_t start = 0;;) {
+        const size_t end = tail.find('\\', start);
+        const std::string name = tail.substr(start, end - start);
+        if (end == std::string::npos && source.isPattern) {
+            return Join(path, name.c_str());
+        }
+        path = FindEntry(path, name, warnings);
+        if (path.empty() || end == std::string::npos) {
+            return path;
+        }
+        start = end + 1;
+    }
+}
+
 // The folder part of a pattern such as "Machine\IMM\*.bnk".
 std::string PatternFolder(const std::string& pattern) {
     const size_t separator = pattern.find_last_of("/\\");
@@ -93,7 +142,7 @@ void WarnAboutSkippedFiles(const std::string& folder, BankKind expected,
         const BankHeader header =
             ReadBankText(entry->path().string(), &text) ? RecognizeBankHeader(text) : BankHeader();
         if (!header.recognized || header.kind != expected) {
-            skipped.push_back(entry->path().string() + ": not a bank of kind " +
+            skipped.push_back("warning: " + entry->path().string() + ": not a bank of kind " +
                               BankKindName(expected) + "; the folder load skips it");
         }
     }
@@ -104,13 +153,14 @@ void WarnAboutSkippedFiles(const std::string& folder, BankKind expected,
 void LoadSources(const std::string& bankFolder, const FolderSource* begin, const FolderSource* end,
                  SourcedCatalogue* catalogue, std::vector<std::string>* warnings) {
     for (const FolderSource* source = begin; source != end; ++source) {
-        const std::string path = Join(bankFolder, source->tail);
-        if (source->isPattern ? !IsFolder(PatternFolder(path)) : !Exists(path)) {
+        const std::string path = FindTail(bankFolder, *source, warnings);
+        if (path.empty() || (source->isPattern && !IsFolder(PatternFolder(path)))) {
             continue;
         }
         // An empty system-bank folder matches nothing, which is no fault of the folder.
         if (!catalogue->Load(source->load, path, source->label) && !source->isPattern) {
-            warnings->push_back(path + ": refused by its loader (run 'qzrbank check' on it)");
+            warnings->push_back("warning: " + path +
+                                ": refused by its loader (run 'qzrbank check' on it)");
         }
         if (source->isPattern) {
             WarnAboutSkippedFiles(PatternFolder(path), source->expectedKind, warnings);
@@ -217,15 +267,17 @@ bool LocateBankFolder(const std::string& dir, BankFolder* folder, std::string* e
         *error = Exists(base) ? base + ": not a folder" : base + ": no such folder";
         return false;
     }
-    const std::string inner = Join(base, "Bank");
-    if (IsFolder(inner)) {
+    std::vector<std::string> warnings;
+    const std::string inner = FindEntry(base, "Bank", &warnings);
+    if (!inner.empty() && IsFolder(inner)) {
         folder->path = inner;
+        folder->warnings = std::move(warnings);
         return true;
     }
     const char* entries[] = {"Machine", "User-IMM.bnk", "User-RTMIC.bnk", "system-pro.bnk",
                              "user-pro.bnk"};
     for (const char* entry : entries) {
-        if (Exists(Join(base, entry))) {
+        if (!FindEntry(base, entry, &warnings).empty()) {
             folder->path = base;
             return true;
         }
@@ -240,6 +292,7 @@ std::string ShippedBankFolder() {
 
 void LoadBankFolder(const BankFolder& folder, bool loadIMM, bool loadRTM, LoadedFolder* loaded,
                     std::vector<std::string>* warnings) {
+    warnings->insert(warnings->end(), folder.warnings.begin(), folder.warnings.end());
     if (loadIMM) {
         LoadSources(folder.path, std::begin(kIMMSources), std::end(kIMMSources), &loaded->imm,
                     warnings);

@@ -60,8 +60,10 @@ class SourcedCatalogue {
 // A bank folder: the folder that holds "Machine\IMM", "Machine\RTM", "User-IMM.bnk",
 // "User-RTMIC.bnk", "system-pro.bnk" and "user-pro.bnk". Given the folder that contains
 // "Bank" (the application folder of the default bank paths), or the Bank folder itself.
+// Names are found as the library finds them, also in other letter case than these.
 struct BankFolder {
-    std::string path;  // the Bank folder, without a trailing separator
+    std::string path;                   // the Bank folder, without a trailing separator
+    std::vector<std::string> warnings;  // the folder found under a name in other letter case
 };
 
 // False, with a message, when dir is neither a folder holding "Bank" nor a bank folder.
@@ -75,7 +77,8 @@ std::string ShippedBankFolder();
 // catalogue, the transfer-moulding banks (system-bank folder, user bank) into another. A
 // catalogue holds one kind of machine per maker, and takes its file type from the first file
 // it accepts, so the two kinds cannot share one. Missing files are passed over; files that
-// exist but are refused are reported in warnings.
+// exist but are refused, and names found only in other letter case (the folder's own warnings
+// first), are reported in warnings, each a line to print after "qzrbank: ".
 struct LoadedFolder {
     SourcedCatalogue imm{false};
     SourcedCatalogue rtm{true};

@@ -193,7 +193,7 @@ int RunList(const ListOptions& options, std::ostream& out, std::ostream& err) {
     std::vector<std::string> warnings;
     LoadBankFolder(folder, imm, rtm, &loaded, &warnings);
     for (const std::string& warning : warnings) {
-        err << "qzrbank: warning: " << warning << '\n';
+        err << "qzrbank: " << warning << '\n';
     }
     std::vector<MakerGroup> groups;
     if (imm) {
@@ -233,7 +233,7 @@ int RunShow(const ShowOptions& options, std::ostream& out, std::ostream& err) {
         std::vector<std::string> warnings;
         LoadBankFolder(folder, true, true, &loaded, &warnings);
         for (const std::string& warning : warnings) {
-            err << "qzrbank: warning: " << warning << '\n';
+            err << "qzrbank: " << warning << '\n';
         }
     } else {
         std::string text;
