@@ -68,9 +68,18 @@ bool TextLineReader::ReadLine(std::string* line, size_t maxChars) {
             m_atEnd = !complete;
             line->assign(pending.data(), length);
             m_pos += length;
+            CountLine(pending[length - 1] == '\n');
             return true;
         }
         Refill();
+    }
+}
+
+void TextLineReader::CountLine(bool endsWithLineFeed) {
+    m_lineOfPiece = m_nextLine;
+    m_pieceWasCut = !endsWithLineFeed && !m_atEnd;
+    if (endsWithLineFeed) {
+        ++m_nextLine;
     }
 }
 

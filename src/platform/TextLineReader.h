@@ -35,10 +35,16 @@ class TextLineReader {
     bool ReadLine(std::string* line, size_t maxChars);
     // Like feof: true once a read has reached the end of the file (or its Ctrl-Z).
     bool AtEnd() const;
+    // The number (from 1) of the line the last piece belongs to, and whether that piece
+    // stopped at maxChars with more of its line still to come.
+    long LineNumber() const { return m_lineOfPiece; }
+    bool PieceWasCut() const { return m_pieceWasCut; }
 
   private:
     // Reads the next raw chunk and appends its translation to m_buffer.
     void Refill();
+    // Numbers the piece just handed out.
+    void CountLine(bool endsWithLineFeed);
 
     std::unique_ptr<ReadableFile> m_file;
     TextModeTranslator m_translator;
@@ -47,6 +53,9 @@ class TextLineReader {
     size_t m_pos = 0;
     bool m_fileExhausted = false;
     bool m_atEnd = false;
+    long m_lineOfPiece = 0;
+    long m_nextLine = 1;
+    bool m_pieceWasCut = false;
 };
 
 }  // namespace qzr::platform

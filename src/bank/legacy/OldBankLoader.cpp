@@ -9,6 +9,7 @@
 #include <QZRMachine/QZRMoldingMachineCtrl.h>
 
 #include "bank/BankPathKind.h"
+#include "bank/LoadObserver.h"
 #include "bank/QZRMoldingMachineReader.h"
 #include "bank/legacy/OldRowLayout.h"
 #include "bank/legacy/OldRowParser.h"
@@ -67,13 +68,27 @@ bool IsCSpace(char c) {
 class OldBankScan {
   public:
     OldBankScan(platform::TextLineReader& file, CQZRMoldingMachineCtrl& catalogue,
-                const OldBankRules& rules)
-        : m_file(file), m_catalogue(catalogue), m_rules(rules) {}
+                const OldBankRules& rules, std::string_view path)
+        : m_file(file),
+          m_catalogue(catalogue),
+          m_rules(rules),
+          m_path(path),
+          m_observer(bank::CurrentLoadObserver()) {}
 
     // False only when a user bank shows a "TotalNo" line after its header.
     bool Run() {
+        const bool result = Scan();
+        if (m_observer != nullptr) {
+            m_observer->OnMachineCount({m_path, m_rowsLoaded, m_declared, m_hasDeclared});
+        }
+        return result;
+    }
+
+  private:
+    bool Scan() {
         while (ReadLine()) {
             if (Contains("[EOF]")) {
+                Tell(bank::LegacyLine::kEndMarker);
                 break;
             }
             if (Contains("[Header]")) {
@@ -82,22 +97,34 @@ class OldBankScan {
             if (Contains(m_rules.databaseMarker)) {
                 // The marker line is never a row: the line after it takes its place.
                 m_inDatabase = true;
-                if (!ReadLine() || (m_rules.endAtEofAfterMarker && Contains("[EOF]"))) {
+                Tell(bank::LegacyLine::kDatabaseMarker);
+                if (!ReadLine()) {
+                    break;
+                }
+                if (m_rules.endAtEofAfterMarker && Contains("[EOF]")) {
+                    Tell(bank::LegacyLine::kEndMarker);
                     break;
                 }
             }
             if (m_headerSeen && Contains("Version")) {
                 ReadVersionLine();
+                Tell(bank::LegacyLine::kVersionLine);
             }
-            if (m_rules.failOnTotalNo && m_headerSeen && Contains("TotalNo")) {
-                return false;
+            if (m_headerSeen && Contains("TotalNo")) {
+                if (m_rules.failOnTotalNo) {
+                    Tell(bank::LegacyLine::kTotalNoLine);
+                    return false;
+                }
+                NoteDeclaredCount();
             }
             if (m_inDatabase) {
                 // The ID carries over from the row before when this one's does not convert.
                 platform::ScanInt(m_text.data(), &m_rowId);
                 const bool taken = !m_rules.onlyRowIdOne || m_rowId == 1;
                 if (taken && !m_text.empty()) {
-                    LoadRow();
+                    Tell(LoadRow());
+                } else if (!taken) {
+                    Tell(bank::LegacyLine::kRowIdNotOne);
                 }
             }
             if (m_file.AtEnd() || Contains("[EOF]")) {
@@ -107,12 +134,39 @@ class OldBankScan {
         return true;
     }
 
-  private:
+    void Tell(bank::LegacyLine what) {
+        if (what == bank::LegacyLine::kRowLoaded) {
+            ++m_rowsLoaded;
+        }
+        if (m_observer != nullptr) {
+            m_observer->OnLegacyLine(
+                {m_path, m_file.LineNumber(), what, m_catalogue.GetFileVersion()});
+        }
+    }
+
+    // "TotalNo," and the number of rows a system bank declares; only an observer asks.
+    void NoteDeclaredCount() {
+        const size_t at = m_text.find("TotalNo,");
+        if (m_observer == nullptr || at == m_text.npos) {
+            return;
+        }
+        int declared = 0;
+        m_scratch.assign(m_text.substr(at + 8));
+        if (platform::ScanInt(m_scratch.c_str(), &declared)) {
+            m_declared = declared;
+            m_hasDeclared = true;
+        }
+    }
+
     bool ReadLine() {
         if (!m_file.ReadLine(&m_line, kOldRowMaxChars)) {
             return false;
         }
         m_text = std::string_view(m_line.c_str());
+        if (m_observer != nullptr && m_file.PieceWasCut() && m_file.LineNumber() != m_lastCutLine) {
+            m_lastCutLine = m_file.LineNumber();
+            m_observer->OnLineCut({m_path, m_lastCutLine, kOldRowMaxChars});
+        }
         return true;
     }
 
@@ -147,24 +201,32 @@ class OldBankScan {
     // record of its own, which the store then keeps as it is rather than copying it; the result
     // is that of AddMachine, which the loader does not look at (a catalogue without a store, or
     // one that runs out of memory, drops the machine).
-    void LoadRow() {
+    bank::LegacyLine LoadRow() {
         auto machine = std::make_unique<CQZRIM>(m_defaultMachine);
         if (!ParseOldRow(m_text.data(), m_rules.rowLayout(m_catalogue.GetFileVersion()),
                          *machine)) {
-            return;
+            return bank::LegacyLine::kRowTooFewFields;
         }
         if (CQZRMoldingMachineDatabase* store = CQZRMoldingMachineCtrlAccess::Store(m_catalogue)) {
             try {
                 store->AdoptMachine(std::move(machine));
+                return bank::LegacyLine::kRowLoaded;
             } catch (const std::exception&) {
                 // as AddMachine: the machine is not added
             }
         }
+        return bank::LegacyLine::kRowNotAdded;
     }
 
     platform::TextLineReader& m_file;
     CQZRMoldingMachineCtrl& m_catalogue;
     const OldBankRules& m_rules;
+    std::string_view m_path;
+    bank::LoadObserver* m_observer;  // null unless a tool watches the load
+    long m_rowsLoaded = 0;
+    long m_declared = 0;
+    bool m_hasDeclared = false;
+    long m_lastCutLine = 0;
 
     std::string m_line;       // the current line piece, reused from line to line
     std::string_view m_text;  // m_line up to its first NUL
@@ -182,7 +244,13 @@ bool LoadOldBank(CQZRMoldingMachineReader& reader, const char* path,
     if (path == nullptr || !platform::CurrentEnv()->PathExists(path) || catalogue == nullptr) {
         return false;
     }
-    if (!reader.RecognizeBankHeader(path) || reader.GetBankKind() != rules.bankKind) {
+    const bool recognised = reader.RecognizeBankHeader(path);
+    const bool accepted = recognised && reader.GetBankKind() == rules.bankKind;
+    if (bank::LoadObserver* observer = bank::CurrentLoadObserver()) {
+        observer->OnHeader({path, recognised ? reader.GetBankKind() : -1, reader.GetHeaderVersion(),
+                            reader.GetHeaderFormat(), reader.GetHeaderType(), accepted});
+    }
+    if (!accepted) {
         return false;
     }
     // The first bank accepted into a catalogue decides its attributes; a later one only
@@ -197,7 +265,7 @@ bool LoadOldBank(CQZRMoldingMachineReader& reader, const char* path,
     if (!file.IsOpen()) {
         return false;
     }
-    return OldBankScan(file, *catalogue, rules).Run();
+    return OldBankScan(file, *catalogue, rules, path).Run();
 }
 
 }  // namespace

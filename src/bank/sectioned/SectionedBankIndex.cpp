@@ -14,8 +14,9 @@ constexpr std::string_view kMachineSectionPrefix = "[Machine-";
 
 }  // namespace
 
-SectionedBankIndex::SectionedBankIndex(const std::string& path, std::vector<std::string> keys)
-    : m_keys(std::move(keys)), m_firstPending(m_keys.size(), 0) {
+SectionedBankIndex::SectionedBankIndex(const std::string& path, std::vector<std::string> keys,
+                                       bool withLines)
+    : m_keys(std::move(keys)), m_firstPending(m_keys.size(), 0), m_withLines(withLines) {
     for (size_t slot = 0; slot < m_keys.size(); ++slot) {
         const size_t length = m_keys[slot].size();
         if (m_slotsByLength.size() <= length) {
@@ -31,6 +32,12 @@ void SectionedBankIndex::ReadFile(const std::string& path) {
     m_open = file.IsOpen();
     std::string piece;
     while (file.ReadLine(&piece, kSectionedLineChars)) {
+        if (m_withLines) {
+            m_line = file.LineNumber();
+            if (file.PieceWasCut() && (m_cutLines.empty() || m_cutLines.back() != m_line)) {
+                m_cutLines.push_back(m_line);
+            }
+        }
         AddLine(piece);
     }
 }
@@ -96,6 +103,10 @@ void SectionedBankIndex::OpenSection(long machineNumber) {
     m_orderOfSection[number] = static_cast<uint32_t>(m_sectionsInOrder.size());
     m_sectionsInOrder.push_back(static_cast<uint32_t>(number));
     m_answers.resize(m_answers.size() + m_keys.size(), kNone);
+    if (m_withLines) {
+        m_sectionLines.push_back(m_line);
+        m_laterLines.resize(m_answers.size(), 0);
+    }
 }
 
 void SectionedBankIndex::AnswerPending(uint32_t slot, std::string_view piece) {
@@ -113,8 +124,32 @@ void SectionedBankIndex::AnswerPending(uint32_t slot, std::string_view piece) {
     m_values.push_back('\0');
     for (size_t order = firstPending; order < sectionCount; ++order) {
         m_answers[order * m_keys.size() + slot] = offset;
+        // Every section opened before the latest one lacks the key itself.
+        if (m_withLines && order + 1 < sectionCount) {
+            m_laterLines[order * m_keys.size() + slot] = m_line;
+        }
     }
     firstPending = static_cast<uint32_t>(sectionCount);
+}
+
+uint32_t SectionedBankIndex::OrderOf(long machineNumber) const {
+    if (machineNumber < 1 || static_cast<size_t>(machineNumber) >= m_orderOfSection.size()) {
+        return kNone;
+    }
+    return m_orderOfSection[static_cast<size_t>(machineNumber)];
+}
+
+long SectionedBankIndex::SectionLine(long machineNumber) const {
+    const uint32_t order = OrderOf(machineNumber);
+    return order == kNone || !m_withLines ? 0 : m_sectionLines[order];
+}
+
+long SectionedBankIndex::AnswerLineInLaterSection(long machineNumber, size_t keySlot) const {
+    const uint32_t order = OrderOf(machineNumber);
+    if (order == kNone || !m_withLines || keySlot >= m_keys.size()) {
+        return 0;
+    }
+    return m_laterLines[order * m_keys.size() + keySlot];
 }
 
 int SectionedBankIndex::GetKeyString(long machineNumber, size_t keySlot, const char** value) const {

@@ -26,8 +26,10 @@ class SectionedBankIndex {
     static constexpr long kMaxMachineSection = 65535;
 
     // Reads the file at path; keys are the keys later lookups ask for, each by its position
-    // in this list.
-    SectionedBankIndex(const std::string& path, std::vector<std::string> keys);
+    // in this list. With withLines, the index also keeps where each section and each answer
+    // stand in the file, for a load that is watched (see LoadObserver).
+    SectionedBankIndex(const std::string& path, std::vector<std::string> keys,
+                       bool withLines = false);
 
     // False when the file could not be opened (every lookup then gives kCannotOpen).
     bool IsOpen() const { return m_open; }
@@ -37,8 +39,17 @@ class SectionedBankIndex {
     // to a text owned by the index, valid as long as the index.
     int GetKeyString(long machineNumber, size_t keySlot, const char** value) const;
 
+    // With withLines only (0 otherwise): the line of the section's first header, and the
+    // line of the answer to a key when it lies beyond the next section's header.
+    long SectionLine(long machineNumber) const;
+    long AnswerLineInLaterSection(long machineNumber, size_t keySlot) const;
+    // With withLines only: the lines longer than kSectionedLineChars, in file order.
+    const std::vector<long>& CutLines() const { return m_cutLines; }
+
   private:
     static constexpr uint32_t kNone = UINT32_MAX;
+
+    uint32_t OrderOf(long machineNumber) const;
 
     void ReadFile(const std::string& path);
     void AddLine(std::string_view piece);
@@ -65,6 +76,12 @@ class SectionedBankIndex {
     std::vector<uint32_t> m_answers;
     // The values that answer lookups, each followed by its NUL.
     std::string m_values;
+
+    bool m_withLines;
+    long m_line = 0;                   // the line of the piece being read
+    std::vector<long> m_sectionLines;  // per section in order of appearance
+    std::vector<long> m_laterLines;    // like m_answers: the answer's line if from later, or 0
+    std::vector<long> m_cutLines;
 };
 
 }  // namespace qzr::bank

@@ -8,10 +8,12 @@
 #include <vector>
 
 #include "bank/BankPathKind.h"
+#include "bank/LoadObserver.h"
 #include "bank/QZRMoldingMachineReader.h"
 #include "bank/sectioned/MachineSectionFormat.h"
 #include "bank/sectioned/QZRFileIO.h"
 #include "bank/sectioned/SectionedBankIndex.h"
+#include "bank/sectioned/SectionedLine.h"
 #include "catalogue/QZRMoldingMachineCtrlAccess.h"
 #include "catalogue/QZRMoldingMachineDatabase.h"
 #include "platform/Env.h"
@@ -89,16 +91,72 @@ void AddOwn(CQZRMoldingMachineCtrl& catalogue, std::unique_ptr<Record> machine) 
     }
 }
 
+// What a watched load tells its observer about the sections of one file.
+template <class Record>
+class SectionReport {
+  public:
+    SectionReport(qzr::bank::LoadObserver* observer, const std::string& path,
+                  const MachineSectionFormat<Record>& format, const SectionedBankIndex& index)
+        : m_observer(observer), m_path(path), m_format(format), m_index(index) {
+        if (m_observer != nullptr) {
+            for (const long line : index.CutLines()) {
+                m_observer->OnLineCut({m_path, line, qzr::bank::kSectionedLineChars});
+            }
+        }
+    }
+    // Ends the file's report with the machines read against the count its header declares.
+    ~SectionReport() {
+        if (m_observer == nullptr) {
+            return;
+        }
+        CQZRFileIO file;
+        int declared = 0;
+        bool converted = false;
+        const bool hasDeclared = file.OpenFile(m_path.c_str()) &&
+                                 file.GetKeyInt("[General]", "TotalMachine", &declared,
+                                                &converted) == CQZRFileIO::kFound &&
+                                 converted;
+        m_observer->OnMachineCount({m_path, m_loaded, declared, hasDeclared});
+    }
+    SectionReport(const SectionReport&) = delete;
+    SectionReport& operator=(const SectionReport&) = delete;
+
+    void Section(long number, bool loaded) {
+        m_loaded += loaded ? 1 : 0;
+        if (m_observer == nullptr) {
+            return;
+        }
+        m_observer->OnSection({m_path, number, m_index.SectionLine(number), loaded});
+        for (size_t slot = 0; loaded && slot < m_format.rowCount; ++slot) {
+            if (const long line = m_index.AnswerLineInLaterSection(number, slot)) {
+                m_observer->OnKeyFromLaterSection(
+                    {m_path, number, m_format.ReadRow(slot).key, line});
+            }
+        }
+    }
+
+  private:
+    qzr::bank::LoadObserver* m_observer;
+    const std::string& m_path;
+    const MachineSectionFormat<Record>& m_format;
+    const SectionedBankIndex& m_index;
+    long m_loaded = 0;
+};
+
 // Reads sections 1, 2, ... until the first one that does not parse, at most
 // kMaxMachineSection of them. The catalogue's verdict on each machine is not looked at.
 template <class Record>
 void AddMachineSections(const MachineSectionFormat<Record>& format, const std::string& path,
                         RecordUse use, CQZRMoldingMachineCtrl& catalogue) {
-    const SectionedBankIndex index(path, format.KeysInReadOrder());
+    qzr::bank::LoadObserver* observer = qzr::bank::CurrentLoadObserver();
+    const SectionedBankIndex index(path, format.KeysInReadOrder(), observer != nullptr);
+    SectionReport<Record> report(observer, path, format, index);
     if (use == RecordUse::kOneForTheFile) {
         Record machine;
         for (long number = 1; number <= SectionedBankIndex::kMaxMachineSection; ++number) {
-            if (!ParseIndexedSection(format, index, number, machine)) {
+            const bool loaded = ParseIndexedSection(format, index, number, machine);
+            report.Section(number, loaded);
+            if (!loaded) {
                 return;
             }
             AddCopy(catalogue, machine);
@@ -108,7 +166,9 @@ void AddMachineSections(const MachineSectionFormat<Record>& format, const std::s
     const Record fresh;  // copying a default record is cheaper than building one
     for (long number = 1; number <= SectionedBankIndex::kMaxMachineSection; ++number) {
         auto machine = std::make_unique<Record>(fresh);
-        if (!ParseIndexedSection(format, index, number, *machine)) {
+        const bool loaded = ParseIndexedSection(format, index, number, *machine);
+        report.Section(number, loaded);
+        if (!loaded) {
             return;
         }
         AddOwn(catalogue, std::move(machine));
@@ -144,6 +204,18 @@ bool IsAcceptedAs(const CQZRMoldingMachineReader& reader, const SectionedBankKin
            reader.GetHeaderFormat() == kind.format && reader.GetHeaderType() == kind.type;
 }
 
+// Recognises the file's header and tells a watching observer what it was taken for.
+bool RecognizeAs(CQZRMoldingMachineReader& reader, const char* path,
+                 const SectionedBankKind& kind) {
+    const bool recognised = reader.RecognizeBankHeader(path);
+    const bool accepted = recognised && IsAcceptedAs(reader, kind);
+    if (qzr::bank::LoadObserver* observer = qzr::bank::CurrentLoadObserver()) {
+        observer->OnHeader({path, recognised ? reader.GetBankKind() : -1, reader.GetHeaderVersion(),
+                            reader.GetHeaderFormat(), reader.GetHeaderType(), accepted});
+    }
+    return accepted;
+}
+
 }  // namespace
 
 bool CQZRMoldingMachineReader::ParseIMMSection(const char* path, long index,
@@ -177,7 +249,7 @@ bool ReadSystemBanks(CQZRMoldingMachineReader& reader, const char* pattern,
         if (!env->PathExists(path)) {
             continue;
         }
-        if (!reader.RecognizeBankHeader(path.c_str()) || !IsAcceptedAs(reader, kind)) {
+        if (!RecognizeAs(reader, path.c_str(), kind)) {
             continue;
         }
         RecordHeaderValues(reader, *catalogue);
@@ -193,7 +265,7 @@ bool ReadUserBank(CQZRMoldingMachineReader& reader, const char* path,
     if (path == nullptr || catalogue == nullptr) {
         return false;
     }
-    if (!reader.RecognizeBankHeader(path) || !IsAcceptedAs(reader, kind)) {
+    if (!RecognizeAs(reader, path, kind)) {
         return false;
     }
     RecordHeaderValues(reader, *catalogue);
