@@ -67,11 +67,6 @@ configure_file(${CMAKE_CURRENT_LIST_DIR}/qzrmachine.pc.in
 install(FILES ${PROJECT_BINARY_DIR}/qzrmachine.pc DESTINATION ${_qzr_pc_dir})
 
 if(TARGET qzrbank)
-    # The tool finds the library beside the prefix it is installed into, wherever that is.
-    if(NOT WIN32 AND NOT APPLE AND NOT IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
-        file(RELATIVE_PATH _qzr_bin_to_lib /prefix/${CMAKE_INSTALL_BINDIR}
-            /prefix/${CMAKE_INSTALL_LIBDIR})
-        set_property(TARGET qzrbank APPEND PROPERTY INSTALL_RPATH "\$ORIGIN/${_qzr_bin_to_lib}")
-    endif()
+    # The tool carries the library's static core, so it needs no library beside it.
     install(TARGETS qzrbank RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endif()
