@@ -25,20 +25,16 @@ class CQZRMoldingMachineReader {
     int GetHeaderVersion() const { return m_headerVersion; }
     int GetHeaderFormat() const { return m_headerFormat; }
     int GetHeaderType() const { return m_headerType; }
-    bool IsSystemBank() const { return m_systemBank; }
 
     // Legacy tabular banks.
     bool ReadOldIMMSystemDatabase(const char* path, CQZRMoldingMachineCtrl* catalogue);
     bool ReadOldIMMUserDatabase(const char* path, CQZRMoldingMachineCtrl* catalogue);
-    bool ParseOldIMMRow(const char* row, OldRowLayout layout, CQZRIM& machine) const;
 
     // Sectioned banks.
     bool ReadIMMSystemDatabase(const char* pattern, CQZRMoldingMachineCtrl* const& catalogue);
     bool ReadRTMSystemDatabase(const char* pattern, CQZRMoldingMachineCtrl* const& catalogue);
     bool ReadIMMUserDatabase(const char* path, CQZRMoldingMachineCtrl* const& catalogue);
     bool ReadRTMUserDatabase(const char* path, CQZRMoldingMachineCtrl* const& catalogue);
-    bool ParseIMMSection(const char* path, long index, CQZRIM& machine) const;
-    bool ParseRTMSection(const char* path, long index, CQZRRTM& machine) const;
 
     // Nothing in the library records a path here; it stays empty.
     const std::string& GetLoadPath() const { return m_loadPath; }

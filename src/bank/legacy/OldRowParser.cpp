@@ -285,8 +285,3 @@ bool ParseOldRow(const char* row, OldRowLayout layout, CQZRIM& machine) {
 }
 
 }  // namespace qzr::legacy
-
-bool CQZRMoldingMachineReader::ParseOldIMMRow(const char* row, OldRowLayout layout,
-                                              CQZRIM& machine) const {
-    return qzr::legacy::ParseOldRow(row, layout, machine);
-}

@@ -1,6 +1,5 @@
 // Reading sectioned banks: one machine section into a record, and whole files (the system
 // banks of a folder, the user bank) into a catalogue.
-#include <charconv>
 #include <exception>
 #include <memory>
 #include <string>
@@ -29,32 +28,7 @@ constexpr int kUserBankFormat = 1;
 constexpr int kIMMType = 0;
 constexpr int kRTMType = 1;
 
-// "[Machine-%ld]" with the index.
-std::string MachineSectionName(long index) {
-    char digits[24];
-    char* end = std::to_chars(digits, digits + sizeof(digits), index).ptr;
-    return "[Machine-" + std::string(digits, end) + "]";
-}
-
-// One section through the reference lookup, which rescans the file for every key.
-template <class Record>
-bool ParseSection(const MachineSectionFormat<Record>& format, const char* path, long index,
-                  Record& machine) {
-    if (index < 1 || path == nullptr) {
-        return false;
-    }
-    CQZRFileIO file;
-    if (!file.OpenFile(path)) {
-        return false;
-    }
-    const std::string section = MachineSectionName(index);
-    const auto lookup = [&file, &section](size_t, const char* key, const char** value) {
-        return file.GetKeyString(section.c_str(), key, value);
-    };
-    return qzr::bank::FillMachineSection(format, lookup, machine);
-}
-
-// One section of a file indexed once for the whole load; the same results as ParseSection.
+// One section of a file indexed once for the whole load.
 template <class Record>
 bool ParseIndexedSection(const MachineSectionFormat<Record>& format,
                          const SectionedBankIndex& index, long number, Record& machine) {
@@ -217,16 +191,6 @@ bool RecognizeAs(CQZRMoldingMachineReader& reader, const char* path,
 }
 
 }  // namespace
-
-bool CQZRMoldingMachineReader::ParseIMMSection(const char* path, long index,
-                                               CQZRIM& machine) const {
-    return ParseSection(qzr::bank::IMMSectionFormat(), path, index, machine);
-}
-
-bool CQZRMoldingMachineReader::ParseRTMSection(const char* path, long index,
-                                               CQZRRTM& machine) const {
-    return ParseSection(qzr::bank::RTMSectionFormat(), path, index, machine);
-}
 
 namespace {
 
