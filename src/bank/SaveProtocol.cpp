@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "bank/BankFileSave.h"
+#include "bank/SaveProtocol.h"
 #include "bank/BankPathKind.h"
 #include "bank/QZRMoldingMachineWriter.h"
 #include "platform/Env.h"

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "bank/BankFileSave.h"
+#include "bank/SaveProtocol.h"
 #include "bank/QZRMoldingMachineWriter.h"
 #include "bank_test_support.h"
 #include "catalogue/QZRMoldingMachineCtrlAccess.h"

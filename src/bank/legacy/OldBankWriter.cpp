@@ -8,7 +8,7 @@
 #include <QZRMachine/QZRIM.h>
 #include <QZRMachine/QZRMoldingMachineCtrl.h>
 
-#include "bank/BankFileSave.h"
+#include "bank/SaveProtocol.h"
 #include "bank/BankPathKind.h"
 #include "bank/CatalogueWalk.h"
 #include "bank/QZRMoldingMachineWriter.h"

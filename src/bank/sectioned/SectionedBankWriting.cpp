@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "bank/BankFileSave.h"
+#include "bank/SaveProtocol.h"
 #include "bank/BankPathKind.h"
 #include "bank/CatalogueWalk.h"
 #include "bank/QZRMoldingMachineWriter.h"

@@ -2,8 +2,8 @@
 // injection moulding, sectioned transfer moulding) hands its target and the code that writes
 // the bank's text here, and never opens its target itself, so the way a save reaches the disk
 // is decided here alone.
-#ifndef QZR_BANK_BANKFILESAVE_H
-#define QZR_BANK_BANKFILESAVE_H
+#ifndef QZR_BANK_SAVEPROTOCOL_H
+#define QZR_BANK_SAVEPROTOCOL_H
 
 #include <functional>
 #include <string>
@@ -29,4 +29,4 @@ bool SaveBankFile(const std::string& target,
 
 }  // namespace qzr::bank
 
-#endif  // QZR_BANK_BANKFILESAVE_H
+#endif  // QZR_BANK_SAVEPROTOCOL_H
