@@ -1,5 +1,6 @@
-// The Env of Windows, on the Win32 ANSI functions: paths are the library's 8-bit texts in the
-// process's code page and go to the OS unchanged.
+// The Env of Windows, on the Win32 wide-character functions: paths are the library's 8-bit
+// texts in the process's ANSI code page, turned into UTF-16 as the ANSI functions would turn
+// them; a path near the classic 260-character limit goes as an extended-length path.
 #if defined(_WIN32)
 
 #ifndef WIN32_LEAN_AND_MEAN
@@ -13,6 +14,7 @@
 #include <time.h>
 
 #include <algorithm>
+#include <string>
 #include <vector>
 
 #include "platform/Env.h"
@@ -66,6 +68,66 @@ class FindHandle {
   private:
     HANDLE m_handle;
 };
+
+// Paths of this length or more become extended-length paths: a bank whose own path fits the
+// library's limit still gets its ".tmp" and ".bak" beside it, and a folder of 248 characters
+// or more (the limit of folder creation) can still be listed.
+constexpr size_t kExtendedFrom = 248;
+
+std::wstring Widen(const std::string& text) {
+    if (text.empty()) {
+        return std::wstring();
+    }
+    const int length = ::MultiByteToWideChar(CP_ACP, 0, text.data(),
+                                             static_cast<int>(text.size()), nullptr, 0);
+    std::wstring wide(static_cast<size_t>(length), L'\0');
+    ::MultiByteToWideChar(CP_ACP, 0, text.data(), static_cast<int>(text.size()), wide.data(),
+                          length);
+    return wide;
+}
+
+std::string Narrow(const wchar_t* text) {
+    const int length = ::WideCharToMultiByte(CP_ACP, 0, text, -1, nullptr, 0, nullptr, nullptr);
+    if (length <= 1) {
+        return std::string();
+    }
+    std::string narrow(static_cast<size_t>(length - 1), '\0');
+    ::WideCharToMultiByte(CP_ACP, 0, text, -1, narrow.data(), length, nullptr, nullptr);
+    return narrow;
+}
+
+// The OS form of a library path. Shorter paths go as they are, so that device names (NUL,
+// CON) and relative paths keep their meaning; a long one is made full ("\\?\C:\..." or
+// "\\?\UNC\server\share\...") with backslashes only, as extended-length paths must be.
+std::wstring OsPath(const std::string& path) {
+    std::wstring wide = Widen(path);
+    if (wide.size() < kExtendedFrom || wide.rfind(L"\\\\?\\", 0) == 0) {
+        return wide;
+    }
+    for (wchar_t& c : wide) {
+        if (c == L'/') {
+            c = L'\\';
+        }
+    }
+    const DWORD needed = ::GetFullPathNameW(wide.c_str(), 0, nullptr, nullptr);
+    if (needed == 0) {
+        return wide;
+    }
+    std::wstring full(needed, L'\0');
+    const DWORD length = ::GetFullPathNameW(wide.c_str(), needed, full.data(), nullptr);
+    if (length == 0 || length >= needed) {
+        return wide;
+    }
+    full.resize(length);
+    if (full.rfind(L"\\\\", 0) == 0) {
+        return L"\\\\?\\UNC\\" + full.substr(2);
+    }
+    return L"\\\\?\\" + full;
+}
+
+DWORD Attributes(const std::string& path) {
+    return ::GetFileAttributesW(OsPath(path).c_str());
+}
 
 bool IsFolderAttributes(DWORD attributes) {
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
@@ -141,11 +203,11 @@ class WindowsWritableFile : public WritableFile {
 class WindowsEnv : public Env {
   public:
     bool PathExists(const std::string& path) override {
-        return !path.empty() && ::GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+        return !path.empty() && Attributes(path) != INVALID_FILE_ATTRIBUTES;
     }
 
     bool IsDirectory(const std::string& path) override {
-        return !path.empty() && IsFolderAttributes(::GetFileAttributesA(path.c_str()));
+        return !path.empty() && IsFolderAttributes(Attributes(path));
     }
 
     std::unique_ptr<ReadableFile> OpenForReading(const std::string& path) override {
@@ -153,7 +215,7 @@ class WindowsEnv : public Env {
             return nullptr;
         }
         const HANDLE handle =
-            ::CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+            ::CreateFileW(OsPath(path).c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
                           OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
         if (handle == INVALID_HANDLE_VALUE) {
             return nullptr;
@@ -174,7 +236,7 @@ class WindowsEnv : public Env {
         }
         const bool append = (mode == WriteMode::kAppend);
         const HANDLE handle =
-            ::CreateFileA(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+            ::CreateFileW(OsPath(path).c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
                           append ? OPEN_ALWAYS : CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
         if (handle == INVALID_HANDLE_VALUE) {
             return nullptr;
@@ -184,12 +246,12 @@ class WindowsEnv : public Env {
 
     bool CopyFileReplacing(const std::string& from, const std::string& to) override {
         return !from.empty() && !to.empty() &&
-               ::CopyFileA(from.c_str(), to.c_str(), FALSE) != FALSE;
+               ::CopyFileW(OsPath(from).c_str(), OsPath(to).c_str(), FALSE) != FALSE;
     }
 
     bool RenameReplacing(const std::string& from, const std::string& to) override {
         return !from.empty() && !to.empty() &&
-               ::MoveFileExA(from.c_str(), to.c_str(),
+               ::MoveFileExW(OsPath(from).c_str(), OsPath(to).c_str(),
                              MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != FALSE;
     }
 
@@ -199,23 +261,24 @@ class WindowsEnv : public Env {
         if (path.empty()) {
             return false;
         }
-        if (::DeleteFileA(path.c_str()) != FALSE) {
+        const std::wstring osPath = OsPath(path);
+        if (::DeleteFileW(osPath.c_str()) != FALSE) {
             return true;
         }
-        const DWORD attributes = ::GetFileAttributesA(path.c_str());
+        const DWORD attributes = ::GetFileAttributesW(osPath.c_str());
         if (attributes == INVALID_FILE_ATTRIBUTES || IsFolderAttributes(attributes) ||
             (attributes & FILE_ATTRIBUTE_READONLY) == 0) {
             return false;
         }
         const DWORD writable = attributes & ~static_cast<DWORD>(FILE_ATTRIBUTE_READONLY);
-        if (::SetFileAttributesA(path.c_str(), writable == 0 ? FILE_ATTRIBUTE_NORMAL : writable) ==
-            FALSE) {
+        if (::SetFileAttributesW(osPath.c_str(),
+                                 writable == 0 ? FILE_ATTRIBUTE_NORMAL : writable) == FALSE) {
             return false;
         }
-        if (::DeleteFileA(path.c_str()) != FALSE) {
+        if (::DeleteFileW(osPath.c_str()) != FALSE) {
             return true;
         }
-        ::SetFileAttributesA(path.c_str(), attributes);  // not removed after all: as it was
+        ::SetFileAttributesW(osPath.c_str(), attributes);  // not removed after all: as it was
         return false;
     }
 
@@ -225,8 +288,8 @@ class WindowsEnv : public Env {
         if (from.empty() || to.empty()) {
             return false;
         }
-        const DWORD source = ::GetFileAttributesA(from.c_str());
-        const DWORD target = ::GetFileAttributesA(to.c_str());
+        const DWORD source = Attributes(from);
+        const DWORD target = Attributes(to);
         if (source == INVALID_FILE_ATTRIBUTES || target == INVALID_FILE_ATTRIBUTES) {
             return false;
         }
@@ -235,8 +298,8 @@ class WindowsEnv : public Env {
         if (updated == target) {
             return true;
         }
-        return ::SetFileAttributesA(to.c_str(), updated == 0 ? FILE_ATTRIBUTE_NORMAL : updated) !=
-               FALSE;
+        return ::SetFileAttributesW(OsPath(to).c_str(),
+                                    updated == 0 ? FILE_ATTRIBUTE_NORMAL : updated) != FALSE;
     }
 
     // Matching is the OS's own (case-insensitive, and short 8.3 names match too, as they
@@ -250,15 +313,15 @@ class WindowsEnv : public Env {
         if (pattern.empty()) {
             return false;
         }
-        WIN32_FIND_DATAA entry;
-        FindHandle find(::FindFirstFileA(pattern.c_str(), &entry));
+        WIN32_FIND_DATAW entry;
+        FindHandle find(::FindFirstFileW(OsPath(pattern).c_str(), &entry));
         if (!find.valid()) {
             return false;
         }
         std::vector<std::string> names;
         do {
-            names.emplace_back(entry.cFileName);
-        } while (::FindNextFileA(find.get(), &entry) != FALSE);
+            names.push_back(Narrow(entry.cFileName));
+        } while (::FindNextFileW(find.get(), &entry) != FALSE);
         SortInNtfsOrder(&names);
         const std::string folder = PatternFolder(pattern);
         for (const std::string& name : names) {
