@@ -1,5 +1,7 @@
 #include "catalogue/GroupStarts.h"
 
+namespace qzr::catalogue {
+
 void GroupStarts::LastGroupGrew() {
     if (m_built && m_starts.size() > 1) {
         ++m_starts.back();
@@ -24,3 +26,5 @@ std::optional<GroupStarts::Slot> GroupStarts::SlotIn(std::size_t group, std::siz
     }
     return std::nullopt;
 }
+
+}  // namespace qzr::catalogue

@@ -15,6 +15,8 @@
 #include <optional>
 #include <vector>
 
+namespace qzr::catalogue {
+
 class GroupStarts {
   public:
     struct Slot {
@@ -71,5 +73,7 @@ std::optional<GroupStarts::Slot> GroupStarts::Find(std::size_t index, std::size_
     m_lastGroup = static_cast<std::size_t>(after - m_starts.begin()) - 1;
     return Slot{m_lastGroup, index - m_starts[m_lastGroup]};
 }
+
+}  // namespace qzr::catalogue
 
 #endif  // QZR_CATALOGUE_GROUPSTARTS_H

@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+namespace qzr::catalogue {
+
 bool MakerNameIndex::IsBuiltFor(const char* locale) const {
     return m_built && std::strcmp(locale, m_locale.c_str()) == 0;
 }
@@ -41,3 +43,5 @@ std::optional<std::size_t> MakerNameIndex::Lookup(const char* maker, std::size_t
     }
     return std::nullopt;
 }
+
+}  // namespace qzr::catalogue

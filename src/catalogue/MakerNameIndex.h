@@ -19,6 +19,8 @@
 #include "platform/CaseFolding.h"
 #include "records/NameRule.h"
 
+namespace qzr::catalogue {
+
 class MakerNameIndex {
   public:
     // The groups were removed, reordered or replaced: the next lookup builds the index again.
@@ -78,5 +80,7 @@ std::optional<std::size_t> MakerNameIndex::Find(const char* maker, std::size_t f
     }
     return Lookup(maker, from);
 }
+
+}  // namespace qzr::catalogue
 
 #endif  // QZR_CATALOGUE_MAKERNAMEINDEX_H

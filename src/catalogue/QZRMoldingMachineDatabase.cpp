@@ -159,7 +159,7 @@ CQZRMoldingMachineDatabase::FindMachineByIndex(int machineIndex) const {
     if (machineIndex < 0) {
         return std::nullopt;
     }
-    const std::optional<GroupStarts::Slot> slot = m_groupStarts.Find(
+    const std::optional<qzr::catalogue::GroupStarts::Slot> slot = m_groupStarts.Find(
         static_cast<std::size_t>(machineIndex), m_groups.size(),
         [this](std::size_t group) { return m_groups[group]->GetMachineCount(); });
     if (!slot) {

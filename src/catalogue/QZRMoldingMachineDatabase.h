@@ -195,8 +195,8 @@ class CQZRMoldingMachineDatabase {
     std::size_t m_machineCount = 0;
     // Indexes over m_groups, built on demand by the const lookups; every change of the groups
     // either keeps them up to date or invalidates them.
-    mutable MakerNameIndex m_makerNames;
-    mutable GroupStarts m_groupStarts;
+    mutable qzr::catalogue::MakerNameIndex m_makerNames;
+    mutable qzr::catalogue::GroupStarts m_groupStarts;
 };
 
 #endif  // QZR_CATALOGUE_QZRMOLDINGMACHINEDATABASE_H
