@@ -377,19 +377,25 @@ bool ScanNaN(const char* p, bool negative, double* value) {
     return true;
 }
 
+// Steps over the blanks "%lf" skips and an optional sign; *negative tells which sign it was.
+inline const char* SkipBlanksAndSign(const char* p, bool* negative) {
+    while (IsCSpace(*p)) {
+        ++p;
+    }
+    *negative = *p == '-';
+    if (*p == '-' || *p == '+') {
+        ++p;
+    }
+    return p;
+}
+
 // The shortcut for the numbers that fill real banks ("100.000000", "-0.01", " 2500"), in a
 // pass of its own that keeps everything in registers: blanks, a sign, digits and a point, and
 // after them nothing of an exponent or a hexadecimal number. False for anything else, which the
 // full reading takes.
 bool ScanPlainDecimal(const char* text, double* value) {
-    const char* p = text;
-    while (IsCSpace(*p)) {
-        ++p;
-    }
-    const bool negative = *p == '-';
-    if (*p == '-' || *p == '+') {
-        ++p;
-    }
+    bool negative = false;
+    const char* p = SkipBlanksAndSign(text, &negative);
     const char* const integerBegin = p;
     uint64_t digits = 0;
     for (; IsDigit(*p); ++p) {
@@ -421,14 +427,8 @@ bool ScanDouble(const char* text, double* value) {
     if (ScanPlainDecimal(text, value)) {
         return true;
     }
-    const char* p = text;
-    while (IsCSpace(*p)) {
-        ++p;
-    }
-    const bool negative = *p == '-';
-    if (*p == '-' || *p == '+') {
-        ++p;
-    }
+    bool negative = false;
+    const char* p = SkipBlanksAndSign(text, &negative);
     if (IsDigit(*p) || *p == '.') {
         if (p[0] == '0' && ToLowerAscii(p[1]) == 'x') {
             return ScanHexadecimal(p + 2, negative, value);
