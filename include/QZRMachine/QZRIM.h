@@ -20,10 +20,22 @@ struct NozzleSpecification {
 
 class QZRMACHINE_API CQZRIM : public CQZRMoldingMachine {
   public:
+    // A record of defaults: numbers 0 except TimeConstFR 0.01, TimeConstIP 0.1,
+    // MaxPressureSlope 2500 and HydraulicPressureTransferFactor 1; texts empty except the tie-bar
+    // distance and platen size "0x0" and the machine dimension "0x0x0"; maker, machine and grade
+    // ids -1.
     CQZRIM();
+    // Copies every attribute, the base's and the nozzle data included.
     CQZRIM(const CQZRIM& other);
     CQZRIM& operator=(const CQZRIM& other);
     ~CQZRIM() override;
+
+    // The machine's data: plain attributes, each a Get/Set pair, stored as given (no range
+    // checks). Where the legacy bank gives units they are: clamping force ton, shot weight g,
+    // injection pressure MPa, injection rate cc/s, screw diameter and stroke mm, time
+    // constants sec, nozzle volume cm3; the other numbers carry the units of whoever fills
+    // them. Text attributes (screw type, tie-bar distance, platen size, machine dimension)
+    // are copied in; their getters' pointers stay valid until the attribute is set again.
 
     const char* GetScrewType() const;
     void SetScrewType(const char* screwType);
@@ -94,7 +106,9 @@ class QZRMACHINE_API CQZRIM : public CQZRMoldingMachine {
     const NozzleSpecification& GetNozzleSpecification() const;
     void SetNozzleSpecification(const NozzleSpecification& nozzle);
 
-    // Same machine by full data, by key data, and by maker and grade only.
+    // Same machine: by all data (maker, grade, remark and every capacity), by the key data
+    // (maker, grade and the main capacities), or by maker and grade only; names compare by
+    // the name rule (case ignored), numbers exactly.
     bool IsMachineIdentity(const CQZRIM& other) const;
     bool IsSimpleMachineIdentity(const CQZRIM& other) const;
     bool IsNameIdentity(const CQZRIM& other) const;

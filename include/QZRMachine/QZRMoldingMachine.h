@@ -1,4 +1,6 @@
-// CQZRMoldingMachine: the common base of every machine record.
+// CQZRMoldingMachine: the common base of every machine record: maker, grade, controller,
+// remark and the ids a catalogue gives it. Records are plain values: copying copies every
+// attribute, and a catalogue keeps its own copies.
 #ifndef QZRMACHINE_QZRMOLDINGMACHINE_H
 #define QZRMACHINE_QZRMOLDINGMACHINE_H
 
@@ -14,6 +16,8 @@ class QZRMACHINE_API CQZRMoldingMachine {
 
     // The virtual operations keep this order; hosts built against the record rely on it.
     virtual ~CQZRMoldingMachine();
+    // Ids are set by the catalogue when the record is added (maker id, machine id); GradeID
+    // and ControllerID are the host's own numbers, never interpreted.
     virtual void SetMakerID(int makerId);
     virtual void SetMachineID(int machineId);
     virtual void SetGradeID(int gradeId);
@@ -43,7 +47,8 @@ class QZRMACHINE_API CQZRMoldingMachine {
 
   protected:
     void SetMachineType(int machineType);
-    // The library's name rule: both present and equal after lower-casing.
+    // The library's name rule: both present and equal after lower-casing under the current
+    // C locale (same length, same bytes).
     static bool IsConsistent(const char* first, const char* second);
 
   private:

@@ -1,4 +1,12 @@
 // CQZRMoldingMachineIO: loads bank files into a catalogue and saves a catalogue as a bank.
+//
+// Paths are 8-bit texts in the process's code page, with the backslash as separator (on POSIX
+// every backslash is taken as '/', and names differing only in letter case are found as on
+// Windows). Every file is opened and closed within the call. Loads add to what the catalogue
+// holds and are not all or nothing: machines read before a failure stay. The first bank
+// accepted into a catalogue that is not initialised gives it its file attributes. A front
+// keeps the header values of its last recognition, which can decide how the next file is
+// recognised; use a new front per file for independent loads.
 #ifndef QZRMACHINE_QZRMOLDINGMACHINEIO_H
 #define QZRMACHINE_QZRMOLDINGMACHINEIO_H
 
@@ -18,23 +26,41 @@ class QZRMACHINE_API CQZRMoldingMachineIO {
     CQZRMoldingMachineIO& operator=(const CQZRMoldingMachineIO& other);
     virtual ~CQZRMoldingMachineIO();
 
-    // Paths are 8-bit texts with the backslash as separator. Loads add to what the catalogue
-    // already holds.
+    // Loads a legacy system bank ("Bank\\system-pro.bnk") or legacy user bank
+    // ("Bank\\user-pro.bnk"). False when an argument is null, the file is missing or not of that
+    // kind, or (user bank) it holds "TotalNo"; after a failed user-bank load the catalogue is
+    // given the attributes of a new legacy user bank, so that the matching save writes one.
     bool LoadOldIMMSystemDatabase(const char* path, CQZRMoldingMachineCtrl* catalogue);
     bool LoadOldIMMUserDatabase(const char* path, CQZRMoldingMachineCtrl* catalogue);
+    // Loads every sectioned system bank matching the wildcard pattern (only its last
+    // component holds * and ?), in name order, case ignored; files of another kind are passed
+    // over. False when an argument is null or nothing matches.
     bool LoadIMMSystemDatabase(const char* pattern, CQZRMoldingMachineCtrl* catalogue);
+    // Loads a sectioned user bank of injection-moulding machines; false when an argument is
+    // null or the file is missing or not of that kind.
     bool LoadIMMUserDatabase(const char* path, CQZRMoldingMachineCtrl* catalogue);
     bool LoadRTMSystemDatabase(const char* pattern, CQZRMoldingMachineCtrl* catalogue);
-    // Takes the pointer by reference but never changes it; a const reference so that a host
-    // may pass &catalogue directly.
+    // A sectioned user bank of transfer-moulding machines; a failed load gives the catalogue
+    // the attributes of a new one. Takes the pointer by const reference, so &catalogue may be
+    // passed directly.
     bool LoadRTMUserDatabase(const char* path, CQZRMoldingMachineCtrl* const& catalogue);
+    // Does nothing; always false.
     bool LoadDatabase(const char* path, CQZRMoldingMachineCtrl* catalogue, int unused);
 
+    // Saves the catalogue as a user bank: legacy ("folder" + "Bank\\user-pro.bnk", written as
+    // version 7007), sectioned injection-moulding (at path), sectioned transfer-moulding
+    // ("folder" + "Bank\\User-RTMIC.bnk"). The catalogue's version, format and type must name
+    // that format, a user bank and its kind. The previous file is kept as ".bak"; the new one
+    // is written to ".tmp", synced and moved over the target. True only when the whole bank is
+    // in place; on false the target keeps its previous content.
     bool SaveOldIMMUserDatabase(const char* folder, const CQZRMoldingMachineCtrl* catalogue);
     bool SaveIMMUserDatabase(const char* path, const CQZRMoldingMachineCtrl* catalogue);
     bool SaveRTMUserDatabase(const char* folder, const CQZRMoldingMachineCtrl* catalogue);
+    // Does nothing; always false.
     bool SaveDatabase(const char* path, const CQZRMoldingMachineCtrl* catalogue, int unused);
 
+    // Copies the recorded load path (always empty) into buffer; false before a load has made
+    // the front's reader, or when buffer is null or too small.
     bool GetLoadDatabasePath(char* buffer, int size) const;
 
   private:

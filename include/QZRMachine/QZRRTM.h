@@ -9,10 +9,15 @@
 
 class QZRMACHINE_API CQZRRTM : public CQZRMoldingMachine {
   public:
+    // A record of defaults: numbers 0, texts empty, maker, machine and grade ids -1.
     CQZRRTM();
+    // Copies every attribute, the base's included.
     CQZRRTM(const CQZRRTM& other);
     CQZRRTM& operator=(const CQZRRTM& other);
     ~CQZRRTM() override;
+
+    // The press's data: plain Get/Set pairs stored as given (no range checks); clamping force
+    // ton, shot weight g, plunger diameter and stroke mm where banks give units.
 
     double GetTransferPressure() const;
     void SetTransferPressure(double value);
