@@ -18,7 +18,7 @@ namespace qzr::bank {
 // The header of a file as recognition read it, and whether the load went on with it.
 struct HeaderSeen {
     std::string_view path;
-    int bankKind = -1;  // a BankPathKind value, or -1 when the file is no bank
+    int bankKind = -1;  // a BankKind value, or -1 when the file is no bank
     int version = -1;
     int format = -1;
     int type = -1;

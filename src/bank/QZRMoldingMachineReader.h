@@ -12,7 +12,7 @@
 #include <QZRMachine/QZRMoldingMachineCtrl.h>
 #include <QZRMachine/QZRRTM.h>
 
-#include "bank/legacy/OldRowLayout.h"
+#include "bank/legacy/LegacyRowLayout.h"
 
 class CQZRMoldingMachineReader {
   public:

@@ -8,7 +8,7 @@
 
 #include <QZRMachine/QZRMoldingMachineCtrl.h>
 
-#include "bank/BankPathKind.h"
+#include "bank/BankKind.h"
 
 class CQZRMoldingMachineWriter {
   public:

@@ -5,9 +5,9 @@
 #include <string>
 #include <utility>
 
-#include "bank/SaveProtocol.h"
-#include "bank/BankPathKind.h"
+#include "bank/BankKind.h"
 #include "bank/QZRMoldingMachineWriter.h"
+#include "bank/SaveProtocol.h"
 #include "platform/Env.h"
 #include "platform/TextWriter.h"
 #include "platform/TimeStamp.h"

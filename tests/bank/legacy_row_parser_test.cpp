@@ -15,8 +15,8 @@
 #include <QZRMachine/QZRIM.h>
 
 #include "bank/QZRMoldingMachineReader.h"
-#include "bank/legacy/OldRowLayout.h"
-#include "bank/legacy/OldRowParser.h"
+#include "bank/legacy/LegacyRowLayout.h"
+#include "bank/legacy/LegacyRowParser.h"
 #include "platform/CNumbers.h"
 
 namespace qzr::legacy {
@@ -51,7 +51,7 @@ void NozzleType(const std::string& token, CQZRIM&, NozzleSpecification& n) {
 // The trailing numeric fields of each layout, in the order they stand in a row: the first 6,
 // 9, 10 or all 19 of the 7005 layout's, or for system banks of 7007 the first 6 and then the
 // energy type and hydraulic factor.
-std::vector<OracleField> OracleTrailingFields(OldRowLayout layout) {
+std::vector<OracleField> OracleTrailingFields(LegacyRowLayout layout) {
     using M = CQZRIM;
     using N = NozzleSpecification;
     // clang-format off
@@ -64,16 +64,16 @@ std::vector<OracleField> OracleTrailingFields(OldRowLayout layout) {
         Nozzle<&N::Value2>, Nozzle<&N::Value3>, Nozzle<&N::Value4>, Nozzle<&N::Value5>,
         Nozzle<&N::Value6>};
     // clang-format on
-    const size_t count = layout == OldRowLayout::kUser7005   ? 19
-                         : layout == OldRowLayout::kUser7004 ? 10
-                         : layout == OldRowLayout::kUser7003 ? 9
-                                                             : 6;
+    const size_t count = layout == LegacyRowLayout::kUser7005   ? 19
+                         : layout == LegacyRowLayout::kUser7004 ? 10
+                         : layout == LegacyRowLayout::kUser7003 ? 9
+                                                                : 6;
     std::vector<OracleField> fields(k7005, k7005 + count);
-    if (layout == OldRowLayout::kSystem7007) fields.insert(fields.end(), k7005 + 10, k7005 + 12);
+    if (layout == LegacyRowLayout::kSystem7007) fields.insert(fields.end(), k7005 + 10, k7005 + 12);
     return fields;
 }
 
-bool OracleParseOldRow(const char* row, OldRowLayout layout, CQZRIM& m) {
+bool OracleParseOldRow(const char* row, LegacyRowLayout layout, CQZRIM& m) {
     const std::string text = std::string(row).substr(0, 1023);  // the 1024-byte work buffer
     std::vector<std::string> tokens;
     std::string current;
@@ -91,7 +91,7 @@ bool OracleParseOldRow(const char* row, OldRowLayout layout, CQZRIM& m) {
     const size_t firstTrailing = count - fields.size();
     NozzleSpecification nozzle;
     for (size_t i = 0; i < fields.size(); ++i) fields[i](tokens[firstTrailing + i], m, nozzle);
-    if (layout == OldRowLayout::kUser7005) m.SetNozzleSpecification(nozzle);
+    if (layout == LegacyRowLayout::kUser7005) m.SetNozzleSpecification(nozzle);
     m.SetMaker(tokens[1].c_str());
     m.SetGrade(tokens[2].c_str());
     const double volume =
@@ -133,10 +133,10 @@ std::string LegacyFields(const CQZRIM& m, int precision = 6) {
     return text;
 }
 
-using L = OldRowLayout;
+using L = LegacyRowLayout;
 
-constexpr OldRowLayout kAllLayouts[] = {L::kBase, L::kUser7003, L::kUser7004, L::kUser7005,
-                                        L::kSystem7007};
+constexpr LegacyRowLayout kAllLayouts[] = {L::kBase, L::kUser7003, L::kUser7004, L::kUser7005,
+                                           L::kSystem7007};
 
 // A record whose every legacy attribute differs from its default, to see what a row sets.
 CQZRIM FilledMachine() {
@@ -147,14 +147,14 @@ CQZRIM FilledMachine() {
     return m;
 }
 
-bool Parse(const std::string& row, OldRowLayout layout, CQZRIM& machine) {
+bool Parse(const std::string& row, LegacyRowLayout layout, CQZRIM& machine) {
     return qzr::legacy::ParseOldRow(row.c_str(), layout, machine);
 }
 
 TEST(LegacyRowParser, RowsOfEveryLayout) {
     struct Row {
         const char* label;
-        OldRowLayout layout;
+        LegacyRowLayout layout;
         std::string row;
         const char* fields;  // LegacyFields of the record, compared as far as this text goes
     };
@@ -241,7 +241,7 @@ TEST(LegacyRowParser, AgreesWithTheLiteralOracle) {
     std::mt19937 random(20240611);
     for (int i = 0; i < 2000; ++i) {
         const std::string row = GeneratedRow(random);
-        for (OldRowLayout layout : kAllLayouts) {
+        for (LegacyRowLayout layout : kAllLayouts) {
             CQZRIM fast = FilledMachine();
             CQZRIM oracle = FilledMachine();
             ASSERT_EQ(Parse(row, layout, fast), OracleParseOldRow(row.c_str(), layout, oracle))

@@ -3,7 +3,7 @@
 #include <cstring>
 #include <string>
 
-#include "bank/BankPathKind.h"
+#include "bank/BankKind.h"
 #include "bank/QZRMoldingMachineReader.h"
 #include "bank/sectioned/QZRFileIO.h"
 #include "platform/CNumbers.h"

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "bank/BankPathKind.h"
+#include "bank/BankKind.h"
 #include "bank/LoadObserver.h"
 #include "bank/QZRMoldingMachineReader.h"
 #include "bank/sectioned/MachineSectionFormat.h"

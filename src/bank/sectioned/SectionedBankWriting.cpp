@@ -4,10 +4,10 @@
 #include <string_view>
 #include <vector>
 
-#include "bank/SaveProtocol.h"
-#include "bank/BankPathKind.h"
+#include "bank/BankKind.h"
 #include "bank/CatalogueWalk.h"
 #include "bank/QZRMoldingMachineWriter.h"
+#include "bank/SaveProtocol.h"
 #include "bank/TextBuffer.h"
 #include "bank/sectioned/MachineSectionFormat.h"
 #include "catalogue/QZRMoldingMachineCtrlAccess.h"

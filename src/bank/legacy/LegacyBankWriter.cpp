@@ -8,10 +8,10 @@
 #include <QZRMachine/QZRIM.h>
 #include <QZRMachine/QZRMoldingMachineCtrl.h>
 
-#include "bank/SaveProtocol.h"
-#include "bank/BankPathKind.h"
+#include "bank/BankKind.h"
 #include "bank/CatalogueWalk.h"
 #include "bank/QZRMoldingMachineWriter.h"
+#include "bank/SaveProtocol.h"
 #include "bank/TextBuffer.h"
 #include "catalogue/QZRMoldingMachineCtrlAccess.h"
 #include "platform/CNumbers.h"
@@ -50,7 +50,7 @@ constexpr const char* kOldUserBankHead =
 // put together field by field (platform/CNumbers.h writes each number as that format would).
 // The time constants ("%lg") take two exponent digits when they need an exponent, as C99 has it
 // ("1e-05" here, "1e-005" from the DLL); the readers take both.
-class OldUserRow {
+class LegacyUserRow {
   public:
     // The row of the machine, valid until the next call.
     std::string_view Of(const CQZRIM& machine) {
@@ -109,7 +109,7 @@ class OldUserRow {
 void WriteOldUserBank(platform::TextWriter& out, const CQZRMoldingMachineCtrl& catalogue) {
     out.Write(kOldUserBankHead);
     const bank::CatalogueWalk walk(catalogue);
-    OldUserRow row;
+    LegacyUserRow row;
     for (int index = 0; index < walk.TotalMachine(); ++index) {
         if (const CQZRIM* machine = walk.Fetch<CQZRIM>(index)) {
             out.Write(row.Of(*machine));

@@ -1,8 +1,8 @@
 // The six kinds of bank: what header recognition reports and what selects a default location.
-#ifndef QZR_BANK_BANKPATHKIND_H
-#define QZR_BANK_BANKPATHKIND_H
+#ifndef QZR_BANK_BANKKIND_H
+#define QZR_BANK_BANKKIND_H
 
-enum BankPathKind {
+enum BankKind {
     OldIMMSystemBank = 0,
     OldIMMUserBank = 1,
     IMMSystemBankFiles = 2,
@@ -11,4 +11,4 @@ enum BankPathKind {
     RTMUserBank = 5,
 };
 
-#endif  // QZR_BANK_BANKPATHKIND_H
+#endif  // QZR_BANK_BANKKIND_H

@@ -1,4 +1,4 @@
-#include "bank/legacy/OldRowNumbers.h"
+#include "bank/legacy/LegacyRowNumbers.h"
 
 #include <charconv>
 #include <cmath>

@@ -2,8 +2,8 @@
 // hundreds of thousands of rows. It gives exactly what writing and reading back with the
 // platform's number conversions give (platform/CNumbers.h), taking a shortcut only where the four
 // digits are certain and handing everything else to those conversions.
-#ifndef QZR_BANK_LEGACY_OLDROWNUMBERS_H
-#define QZR_BANK_LEGACY_OLDROWNUMBERS_H
+#ifndef QZR_BANK_LEGACY_LEGACYROWNUMBERS_H
+#define QZR_BANK_LEGACY_LEGACYROWNUMBERS_H
 
 namespace qzr::legacy {
 
@@ -12,4 +12,4 @@ double RoundToFourDigits(double value);
 
 }  // namespace qzr::legacy
 
-#endif  // QZR_BANK_LEGACY_OLDROWNUMBERS_H
+#endif  // QZR_BANK_LEGACY_LEGACYROWNUMBERS_H

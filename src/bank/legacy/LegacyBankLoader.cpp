@@ -8,11 +8,11 @@
 #include <QZRMachine/QZRIM.h>
 #include <QZRMachine/QZRMoldingMachineCtrl.h>
 
-#include "bank/BankPathKind.h"
+#include "bank/BankKind.h"
 #include "bank/LoadObserver.h"
 #include "bank/QZRMoldingMachineReader.h"
-#include "bank/legacy/OldRowLayout.h"
-#include "bank/legacy/OldRowParser.h"
+#include "bank/legacy/LegacyRowLayout.h"
+#include "bank/legacy/LegacyRowParser.h"
 #include "catalogue/QZRMoldingMachineCtrlAccess.h"
 #include "catalogue/QZRMoldingMachineDatabase.h"
 #include "platform/CNumbers.h"
@@ -23,22 +23,22 @@ namespace qzr::legacy {
 
 namespace {
 
-OldRowLayout SystemRowLayout(int fileVersion) {
-    return fileVersion >= 7007 ? OldRowLayout::kSystem7007 : OldRowLayout::kBase;
+LegacyRowLayout SystemRowLayout(int fileVersion) {
+    return fileVersion >= 7007 ? LegacyRowLayout::kSystem7007 : LegacyRowLayout::kBase;
 }
 
-OldRowLayout UserRowLayout(int fileVersion) {
+LegacyRowLayout UserRowLayout(int fileVersion) {
     if (fileVersion == 7003) {
-        return OldRowLayout::kUser7003;
+        return LegacyRowLayout::kUser7003;
     }
     if (fileVersion == 7004) {
-        return OldRowLayout::kUser7004;
+        return LegacyRowLayout::kUser7004;
     }
-    return fileVersion > 7004 ? OldRowLayout::kUser7005 : OldRowLayout::kBase;
+    return fileVersion > 7004 ? LegacyRowLayout::kUser7005 : LegacyRowLayout::kBase;
 }
 
 // What tells the two loaders apart; the scan itself is common.
-struct OldBankRules {
+struct LegacyBankRules {
     int bankKind;
     // The system banks mark their rows with "[Database]"; the user loader has always looked
     // for "Database]" only, so "[IMMDatabase]" opens a user bank's rows too.
@@ -46,13 +46,13 @@ struct OldBankRules {
     bool endAtEofAfterMarker;
     bool failOnTotalNo;
     bool onlyRowIdOne;
-    OldRowLayout (*rowLayout)(int fileVersion);
+    LegacyRowLayout (*rowLayout)(int fileVersion);
 };
 
-constexpr OldBankRules kSystemBankRules = {OldIMMSystemBank, "[Database]", false, false, false,
-                                           &SystemRowLayout};
-constexpr OldBankRules kUserBankRules = {OldIMMUserBank, "Database]", true,
-                                         true,           true,        &UserRowLayout};
+constexpr LegacyBankRules kSystemBankRules = {OldIMMSystemBank, "[Database]", false, false, false,
+                                              &SystemRowLayout};
+constexpr LegacyBankRules kUserBankRules = {OldIMMUserBank, "Database]", true,
+                                            true,           true,        &UserRowLayout};
 
 // White space as "%s" sees it in the "C" locale.
 bool IsCSpace(char c) {
@@ -63,12 +63,12 @@ bool IsCSpace(char c) {
 // characters, as the DLL's fgets into 1024 bytes read them (the rest of a longer line is the
 // next line, usually refused as a row for too few fields), and every test on a line sees it
 // as a C text: up to its first NUL byte. The marker searches are plain byte searches, as the
-// row split is (see OldRowParser.cpp): the markers are ASCII, and the library runs in the
+// row split is (see LegacyRowParser.cpp): the markers are ASCII, and the library runs in the
 // single-byte "C" locale.
-class OldBankScan {
+class LegacyBankScan {
   public:
-    OldBankScan(platform::TextLineReader& file, CQZRMoldingMachineCtrl& catalogue,
-                const OldBankRules& rules, std::string_view path)
+    LegacyBankScan(platform::TextLineReader& file, CQZRMoldingMachineCtrl& catalogue,
+                   const LegacyBankRules& rules, std::string_view path)
         : m_file(file),
           m_catalogue(catalogue),
           m_rules(rules),
@@ -220,7 +220,7 @@ class OldBankScan {
 
     platform::TextLineReader& m_file;
     CQZRMoldingMachineCtrl& m_catalogue;
-    const OldBankRules& m_rules;
+    const LegacyBankRules& m_rules;
     std::string_view m_path;
     bank::LoadObserver* m_observer;  // null unless a tool watches the load
     long m_rowsLoaded = 0;
@@ -240,7 +240,7 @@ class OldBankScan {
 };
 
 bool LoadOldBank(CQZRMoldingMachineReader& reader, const char* path,
-                 CQZRMoldingMachineCtrl* catalogue, const OldBankRules& rules) {
+                 CQZRMoldingMachineCtrl* catalogue, const LegacyBankRules& rules) {
     if (path == nullptr || !platform::CurrentEnv()->PathExists(path) || catalogue == nullptr) {
         return false;
     }
@@ -265,7 +265,7 @@ bool LoadOldBank(CQZRMoldingMachineReader& reader, const char* path,
     if (!file.IsOpen()) {
         return false;
     }
-    return OldBankScan(file, *catalogue, rules, path).Run();
+    return LegacyBankScan(file, *catalogue, rules, path).Run();
 }
 
 }  // namespace

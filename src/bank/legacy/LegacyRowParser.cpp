@@ -1,4 +1,4 @@
-#include "bank/legacy/OldRowParser.h"
+#include "bank/legacy/LegacyRowParser.h"
 
 #include <array>
 #include <cstdint>
@@ -8,7 +8,7 @@
 #include <QZRMachine/QZRIM.h>
 
 #include "bank/QZRMoldingMachineReader.h"
-#include "bank/legacy/OldRowNumbers.h"
+#include "bank/legacy/LegacyRowNumbers.h"
 #include "platform/CNumbers.h"
 
 namespace qzr::legacy {
@@ -87,17 +87,17 @@ constexpr LayoutFields FieldsOf(const std::array<TrailingField, N>& fields, bool
     return {fields.data(), static_cast<int>(N), hasNozzle};
 }
 
-LayoutFields FieldsOf(OldRowLayout layout) {
+LayoutFields FieldsOf(LegacyRowLayout layout) {
     switch (layout) {
-        case OldRowLayout::kUser7003:
+        case LegacyRowLayout::kUser7003:
             return FieldsOf(k7003Fields, false);
-        case OldRowLayout::kUser7004:
+        case LegacyRowLayout::kUser7004:
             return FieldsOf(k7004Fields, false);
-        case OldRowLayout::kUser7005:
+        case LegacyRowLayout::kUser7005:
             return FieldsOf(k7005Fields, true);
-        case OldRowLayout::kSystem7007:
+        case LegacyRowLayout::kSystem7007:
             return FieldsOf(kSystem7007Fields, false);
-        case OldRowLayout::kBase:
+        case LegacyRowLayout::kBase:
             break;
     }
     return FieldsOf(kBaseFields, false);
@@ -252,15 +252,15 @@ void SetRecoveredRemark(const char* row, const RowTokens& tokens, int trailingCo
 
 }  // namespace
 
-int TrailingFieldCount(OldRowLayout layout) {
+int TrailingFieldCount(LegacyRowLayout layout) {
     return FieldsOf(layout).TrailingCount();
 }
 
-int FewestTokens(OldRowLayout layout) {
+int FewestTokens(LegacyRowLayout layout) {
     return kLeadingTokens + TrailingFieldCount(layout);
 }
 
-bool ParseOldRow(const char* row, OldRowLayout layout, CQZRIM& machine) {
+bool ParseOldRow(const char* row, LegacyRowLayout layout, CQZRIM& machine) {
     if (row == nullptr) {
         return false;
     }

@@ -2,14 +2,14 @@
 //
 // A row is "ID,Maker,Grade,Remark...,trailing numeric fields": the trailing fields are found
 // by counting back from the end of the row, because the remark may hold commas of its own.
-#ifndef QZR_BANK_LEGACY_OLDROWPARSER_H
-#define QZR_BANK_LEGACY_OLDROWPARSER_H
+#ifndef QZR_BANK_LEGACY_LEGACYROWPARSER_H
+#define QZR_BANK_LEGACY_LEGACYROWPARSER_H
 
 #include <cstddef>
 
 #include <QZRMachine/QZRIM.h>
 
-#include "bank/legacy/OldRowLayout.h"
+#include "bank/legacy/LegacyRowLayout.h"
 
 namespace qzr::legacy {
 
@@ -19,12 +19,12 @@ constexpr size_t kOldRowMaxChars = 1023;
 
 // Number of trailing numeric fields of a layout, and the fewest tokens a row of it needs (ID,
 // maker and grade before them).
-int TrailingFieldCount(OldRowLayout layout);
-int FewestTokens(OldRowLayout layout);
+int TrailingFieldCount(LegacyRowLayout layout);
+int FewestTokens(LegacyRowLayout layout);
 
 // Fills machine from row. False, with machine unchanged, when the row has too few tokens.
-bool ParseOldRow(const char* row, OldRowLayout layout, CQZRIM& machine);
+bool ParseOldRow(const char* row, LegacyRowLayout layout, CQZRIM& machine);
 
 }  // namespace qzr::legacy
 
-#endif  // QZR_BANK_LEGACY_OLDROWPARSER_H
+#endif  // QZR_BANK_LEGACY_LEGACYROWPARSER_H

@@ -1,8 +1,8 @@
 // The row layouts of the legacy tabular bank, chosen by the catalogue's file version.
-#ifndef QZR_BANK_LEGACY_OLDROWLAYOUT_H
-#define QZR_BANK_LEGACY_OLDROWLAYOUT_H
+#ifndef QZR_BANK_LEGACY_LEGACYROWLAYOUT_H
+#define QZR_BANK_LEGACY_LEGACYROWLAYOUT_H
 
-enum class OldRowLayout {
+enum class LegacyRowLayout {
     kBase,        // user banks below 7003, system banks below 7007
     kUser7003,    // user banks of version 7003
     kUser7004,    // user banks of version 7004
@@ -10,4 +10,4 @@ enum class OldRowLayout {
     kSystem7007,  // system banks of version 7007 and above
 };
 
-#endif  // QZR_BANK_LEGACY_OLDROWLAYOUT_H
+#endif  // QZR_BANK_LEGACY_LEGACYROWLAYOUT_H
