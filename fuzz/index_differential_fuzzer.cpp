@@ -24,6 +24,8 @@
 #include "bank/sectioned/SectionedLine.h"
 #include "platform/EnvWrapper.h"
 
+using qzr::bank::CQZRFileIO;
+
 namespace {
 
 using qzr::bank::SectionedBankIndex;

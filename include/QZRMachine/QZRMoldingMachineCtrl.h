@@ -22,8 +22,10 @@
 #include <QZRMachine/QZRIM.h>
 #include <QZRMachine/QZRRTM.h>
 
+namespace qzr::catalogue {
 class CQZRMoldingMachineDatabase;
 class CQZRMoldingMachineCtrlAccess;
+}  // namespace qzr::catalogue
 
 class QZRMACHINE_API CQZRMoldingMachineCtrl {
   public:
@@ -125,12 +127,13 @@ class QZRMACHINE_API CQZRMoldingMachineCtrl {
     bool IsMachineNameExist(const char* displayName) const;
 
   private:
-    friend class CQZRMoldingMachineCtrlAccess;  // the library's own bank code and tests
+    friend class qzr::catalogue::CQZRMoldingMachineCtrlAccess;  // the library's own bank code and
+                                                                // tests
 
     bool Initialize();
 
     QZRMACHINE_PRIVATE_MEMBERS_BEGIN
-    std::unique_ptr<CQZRMoldingMachineDatabase> m_store;
+    std::unique_ptr<qzr::catalogue::CQZRMoldingMachineDatabase> m_store;
     QZRMACHINE_PRIVATE_MEMBERS_END
 };
 

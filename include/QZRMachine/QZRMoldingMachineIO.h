@@ -15,8 +15,10 @@
 #include <QZRMachine/QZRExport.h>
 #include <QZRMachine/QZRMoldingMachineCtrl.h>
 
+namespace qzr::bank {
 class CQZRMoldingMachineReader;
 class CQZRMoldingMachineWriter;
+}  // namespace qzr::bank
 
 class QZRMACHINE_API CQZRMoldingMachineIO {
   public:
@@ -65,8 +67,8 @@ class QZRMACHINE_API CQZRMoldingMachineIO {
 
   private:
     QZRMACHINE_PRIVATE_MEMBERS_BEGIN
-    std::unique_ptr<CQZRMoldingMachineReader> m_reader;
-    std::unique_ptr<CQZRMoldingMachineWriter> m_writer;
+    std::unique_ptr<qzr::bank::CQZRMoldingMachineReader> m_reader;
+    std::unique_ptr<qzr::bank::CQZRMoldingMachineWriter> m_writer;
     QZRMACHINE_PRIVATE_MEMBERS_END
 };
 

@@ -2,6 +2,8 @@
 #ifndef QZR_BANK_BANKKIND_H
 #define QZR_BANK_BANKKIND_H
 
+namespace qzr::bank {
+
 enum BankKind {
     OldIMMSystemBank = 0,
     OldIMMUserBank = 1,
@@ -10,5 +12,7 @@ enum BankKind {
     RTMSystemBankFiles = 4,
     RTMUserBank = 5,
 };
+
+}  // namespace qzr::bank
 
 #endif  // QZR_BANK_BANKKIND_H

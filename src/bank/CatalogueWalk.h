@@ -24,7 +24,7 @@ namespace qzr::bank {
 class CatalogueWalk {
   public:
     explicit CatalogueWalk(const CQZRMoldingMachineCtrl& catalogue)
-        : m_store(CQZRMoldingMachineCtrlAccess::Store(catalogue)) {}
+        : m_store(catalogue::CQZRMoldingMachineCtrlAccess::Store(catalogue)) {}
 
     // 0 for a catalogue without a store.
     int TotalMachine() const { return m_store != nullptr ? m_store->GetTotalMachine() : 0; }
@@ -35,7 +35,7 @@ class CatalogueWalk {
     const Record* Fetch(int machineIndex) const;
 
   private:
-    const CQZRMoldingMachineDatabase* m_store;
+    const catalogue::CQZRMoldingMachineDatabase* m_store;
 };
 
 // Like GetCurrentMachine, a fetch that runs out of memory (building the store's index of group

@@ -7,6 +7,9 @@
 #include "bank/QZRMoldingMachineReader.h"
 #include "bank/QZRMoldingMachineWriter.h"
 
+using qzr::bank::CQZRMoldingMachineReader;
+using qzr::bank::CQZRMoldingMachineWriter;
+
 namespace {
 
 // File attributes a catalogue gets after a failed user-bank load, so that the matching save

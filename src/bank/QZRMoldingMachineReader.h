@@ -14,6 +14,8 @@
 
 #include "bank/legacy/LegacyRowLayout.h"
 
+namespace qzr::bank {
+
 class CQZRMoldingMachineReader {
   public:
     CQZRMoldingMachineReader();
@@ -46,5 +48,7 @@ class CQZRMoldingMachineReader {
     bool m_systemBank = false;
     std::string m_loadPath;
 };
+
+}  // namespace qzr::bank
 
 #endif  // QZR_BANK_QZRMOLDINGMACHINEREADER_H

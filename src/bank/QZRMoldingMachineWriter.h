@@ -10,6 +10,8 @@
 
 #include "bank/BankKind.h"
 
+namespace qzr::bank {
+
 class CQZRMoldingMachineWriter {
   public:
     // Size of every path buffer the save protocol builds, terminator included.
@@ -29,5 +31,7 @@ class CQZRMoldingMachineWriter {
     // Fills result (kPathBufferSize bytes) with folder + the kind's tail.
     static bool GetDefaultBankPath(const char* folder, int kind, char* result);
 };
+
+}  // namespace qzr::bank
 
 #endif  // QZR_BANK_QZRMOLDINGMACHINEWRITER_H

@@ -12,6 +12,8 @@
 #include "platform/TextWriter.h"
 #include "platform/TimeStamp.h"
 
+namespace qzr::bank {
+
 namespace {
 
 constexpr size_t kTimeStampBufferSize = 26;
@@ -98,8 +100,6 @@ bool CQZRMoldingMachineWriter::GetDefaultBankPath(const char* folder, int kind, 
     std::memcpy(result, path.c_str(), path.size() + 1);
     return true;
 }
-
-namespace qzr::bank {
 
 namespace {
 

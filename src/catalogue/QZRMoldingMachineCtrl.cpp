@@ -5,6 +5,9 @@
 #include "catalogue/QZRMoldingMachineCtrlAccess.h"
 #include "catalogue/QZRMoldingMachineDatabase.h"
 
+using qzr::catalogue::CQZRMoldingMachineCtrlAccess;
+using qzr::catalogue::CQZRMoldingMachineDatabase;
+
 namespace {
 
 using Store = CQZRMoldingMachineDatabase;

@@ -2,6 +2,8 @@
 
 #include <new>
 
+namespace qzr::catalogue {
+
 namespace {
 
 // Store creations still to fail; armed only by FailNextStoreCreations.
@@ -41,3 +43,5 @@ std::unique_ptr<CQZRMoldingMachineDatabase> CQZRMoldingMachineCtrlAccess::Create
         return nullptr;
     }
 }
+
+}  // namespace qzr::catalogue

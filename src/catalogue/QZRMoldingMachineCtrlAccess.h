@@ -11,6 +11,8 @@
 
 #include "catalogue/QZRMoldingMachineDatabase.h"
 
+namespace qzr::catalogue {
+
 class CQZRMoldingMachineCtrlAccess {
   public:
     CQZRMoldingMachineCtrlAccess() = delete;
@@ -33,5 +35,7 @@ class CQZRMoldingMachineCtrlAccess {
     // Creates a store for a controller: null when memory runs out or a failure was armed.
     static std::unique_ptr<CQZRMoldingMachineDatabase> CreateStore();
 };
+
+}  // namespace qzr::catalogue
 
 #endif  // QZR_CATALOGUE_QZRMOLDINGMACHINECTRLACCESS_H

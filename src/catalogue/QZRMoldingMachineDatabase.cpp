@@ -5,6 +5,8 @@
 
 #include "records/NameRule.h"
 
+namespace qzr::catalogue {
+
 namespace {
 
 // The two id counters belong to the process, not to a store: every catalogue of the process
@@ -603,3 +605,5 @@ bool CQZRMoldingMachineDatabase::IsMachineNameExist(const char* displayName) con
         return qzr::records::NamesEqual(name.c_str(), displayName);
     });
 }
+
+}  // namespace qzr::catalogue

@@ -20,6 +20,8 @@
 #include "catalogue/MakerNameIndex.h"
 #include "catalogue/QZRMoldingMachineMaker.h"
 
+namespace qzr::catalogue {
+
 class CQZRMoldingMachineDatabase {
   public:
     // Version, format and type 0, five empty texts, flag clear, no group.
@@ -198,5 +200,7 @@ class CQZRMoldingMachineDatabase {
     mutable qzr::catalogue::MakerNameIndex m_makerNames;
     mutable qzr::catalogue::GroupStarts m_groupStarts;
 };
+
+}  // namespace qzr::catalogue
 
 #endif  // QZR_CATALOGUE_QZRMOLDINGMACHINEDATABASE_H

@@ -5,6 +5,8 @@
 
 #include "records/NameRule.h"
 
+namespace qzr::catalogue {
+
 CQZRMoldingMachineMaker::CQZRMoldingMachineMaker(const char* name, int id, int kind)
     : m_name(name != nullptr ? name : ""), m_id(id), m_kind(kind) {}
 
@@ -140,3 +142,5 @@ bool CQZRMoldingMachineMaker::RemoveMachineAt(std::size_t position) {
     m_machines.erase(m_machines.begin() + static_cast<std::ptrdiff_t>(position));
     return true;
 }
+
+}  // namespace qzr::catalogue

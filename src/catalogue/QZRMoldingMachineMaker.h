@@ -17,6 +17,8 @@
 #include <QZRMachine/QZRIM.h>
 #include <QZRMachine/QZRRTM.h>
 
+namespace qzr::catalogue {
+
 class CQZRMoldingMachineMaker {
   public:
     // The group kind that holds transfer-moulding machines.
@@ -81,5 +83,7 @@ class CQZRMoldingMachineMaker {
     // Every record is a CQZRRTM when IsRTMMaker(), a CQZRIM otherwise.
     std::vector<std::unique_ptr<CQZRMoldingMachine>> m_machines;
 };
+
+}  // namespace qzr::catalogue
 
 #endif  // QZR_CATALOGUE_QZRMOLDINGMACHINEMAKER_H

@@ -8,6 +8,8 @@
 #include "bank/QZRMoldingMachineReader.h"
 #include "bank_test_support.h"
 
+using qzr::bank::CQZRMoldingMachineReader;
+
 namespace {
 
 using namespace std::string_literals;

@@ -13,6 +13,9 @@
 #include "bank/QZRMoldingMachineWriter.h"
 #include "bank_test_support.h"
 
+using qzr::bank::CQZRMoldingMachineReader;
+using qzr::bank::CQZRMoldingMachineWriter;
+
 namespace {
 
 using qzr::bank::testing::Lines;

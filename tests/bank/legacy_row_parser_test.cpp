@@ -19,6 +19,8 @@
 #include "bank/legacy/LegacyRowParser.h"
 #include "platform/CNumbers.h"
 
+using qzr::bank::LegacyRowLayout;
+
 namespace qzr::legacy {
 namespace {
 

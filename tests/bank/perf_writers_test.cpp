@@ -19,6 +19,8 @@
 #include "bank/sectioned/MachineSectionFormat.h"
 #include "bank_test_support.h"
 
+using qzr::bank::CQZRMoldingMachineWriter;
+
 namespace {
 
 using qzr::bank::KeyValueKind;

@@ -8,10 +8,13 @@
 #include <string>
 #include <vector>
 
-#include "bank/SaveProtocol.h"
 #include "bank/QZRMoldingMachineWriter.h"
+#include "bank/SaveProtocol.h"
 #include "bank_test_support.h"
 #include "catalogue/QZRMoldingMachineCtrlAccess.h"
+
+using qzr::bank::CQZRMoldingMachineWriter;
+using qzr::catalogue::CQZRMoldingMachineCtrlAccess;
 
 namespace {
 

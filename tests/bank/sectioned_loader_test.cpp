@@ -9,6 +9,9 @@
 #include "bank_test_support.h"
 #include "reference/RescanningSectionParse.h"
 
+using qzr::bank::CQZRMoldingMachineReader;
+using qzr::bank::CQZRMoldingMachineWriter;
+
 namespace {
 
 using qzr::bank::testing::FixedClock;

@@ -11,6 +11,8 @@
 #include "bank/sectioned/SectionedBankIndex.h"
 #include "bank_test_support.h"
 
+using qzr::bank::CQZRFileIO;
+
 namespace {
 
 using namespace std::string_literals;

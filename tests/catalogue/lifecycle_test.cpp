@@ -8,6 +8,8 @@
 #include "CatalogueTestSupport.h"
 #include "catalogue/QZRMoldingMachineCtrlAccess.h"
 
+using qzr::catalogue::CQZRMoldingMachineCtrlAccess;
+
 namespace {
 
 using catalogue_test::Add;

@@ -17,6 +17,9 @@
 #include "platform/ScopedLocale.h"
 #include "records/NameRule.h"
 
+using qzr::catalogue::CQZRMoldingMachineCtrlAccess;
+using qzr::catalogue::CQZRMoldingMachineDatabase;
+
 namespace {
 
 using catalogue_test::IM;

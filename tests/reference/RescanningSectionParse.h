@@ -22,7 +22,7 @@ bool ParseSectionByRescanning(const qzr::bank::MachineSectionFormat<Record>& for
     if (index < 1 || path == nullptr) {
         return false;
     }
-    CQZRFileIO file;
+    bank::CQZRFileIO file;
     if (!file.OpenFile(path)) {
         return false;
     }

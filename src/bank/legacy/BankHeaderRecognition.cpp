@@ -9,6 +9,8 @@
 #include "platform/CNumbers.h"
 #include "platform/TextLineReader.h"
 
+namespace qzr::bank {
+
 namespace {
 
 constexpr size_t kHeaderLineChars = 1023;
@@ -179,3 +181,5 @@ int CQZRMoldingMachineReader::GetBankKind() const {
     }
     return OldIMMSystemBank;
 }
+
+}  // namespace qzr::bank

@@ -19,7 +19,16 @@
 #include "platform/Env.h"
 #include "platform/TextLineReader.h"
 
+using qzr::catalogue::CQZRMoldingMachineCtrlAccess;
+using qzr::catalogue::CQZRMoldingMachineDatabase;
+
 namespace qzr::legacy {
+
+using bank::BankKind;
+using bank::CQZRMoldingMachineReader;
+using bank::LegacyRowLayout;
+using bank::OldIMMSystemBank;
+using bank::OldIMMUserBank;
 
 namespace {
 
@@ -272,12 +281,16 @@ bool LoadOldBank(CQZRMoldingMachineReader& reader, const char* path,
 
 }  // namespace qzr::legacy
 
+namespace qzr::bank {
+
 bool CQZRMoldingMachineReader::ReadOldIMMSystemDatabase(const char* path,
                                                         CQZRMoldingMachineCtrl* catalogue) {
-    return qzr::legacy::LoadOldBank(*this, path, catalogue, qzr::legacy::kSystemBankRules);
+    return legacy::LoadOldBank(*this, path, catalogue, legacy::kSystemBankRules);
 }
 
 bool CQZRMoldingMachineReader::ReadOldIMMUserDatabase(const char* path,
                                                       CQZRMoldingMachineCtrl* catalogue) {
-    return qzr::legacy::LoadOldBank(*this, path, catalogue, qzr::legacy::kUserBankRules);
+    return legacy::LoadOldBank(*this, path, catalogue, legacy::kUserBankRules);
 }
+
+}  // namespace qzr::bank

@@ -17,7 +17,13 @@
 #include "platform/CNumbers.h"
 #include "platform/TextWriter.h"
 
+using qzr::catalogue::CQZRMoldingMachineCtrlAccess;
+
 namespace qzr::legacy {
+
+using bank::BankKind;
+using bank::CQZRMoldingMachineWriter;
+using bank::OldIMMUserBank;
 
 namespace {
 
@@ -122,18 +128,22 @@ void WriteOldUserBank(platform::TextWriter& out, const CQZRMoldingMachineCtrl& c
 
 }  // namespace qzr::legacy
 
+namespace qzr::bank {
+
 bool CQZRMoldingMachineWriter::WriteOldIMMUserDatabase(
     const char* folder, const CQZRMoldingMachineCtrl* catalogue) const {
     if (folder == nullptr || catalogue == nullptr ||
         CQZRMoldingMachineCtrlAccess::Store(*catalogue) == nullptr ||
-        !qzr::legacy::IsOldUserBankOfIMM(*catalogue)) {
+        !legacy::IsOldUserBankOfIMM(*catalogue)) {
         return false;
     }
     char target[kPathBufferSize];
     if (!GetDefaultBankPath(folder, OldIMMUserBank, target)) {
         return false;
     }
-    return qzr::bank::SaveBankFile(target, [catalogue](qzr::platform::TextWriter& out) {
-        qzr::legacy::WriteOldUserBank(out, *catalogue);
+    return SaveBankFile(target, [catalogue](qzr::platform::TextWriter& out) {
+        legacy::WriteOldUserBank(out, *catalogue);
     });
 }
+
+}  // namespace qzr::bank

@@ -13,6 +13,8 @@
 
 namespace qzr::legacy {
 
+using bank::LegacyRowLayout;
+
 namespace {
 
 // One trailing numeric field: its place counted back from the last token (1 = last), and the

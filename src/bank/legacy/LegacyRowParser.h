@@ -19,11 +19,11 @@ constexpr size_t kOldRowMaxChars = 1023;
 
 // Number of trailing numeric fields of a layout, and the fewest tokens a row of it needs (ID,
 // maker and grade before them).
-int TrailingFieldCount(LegacyRowLayout layout);
-int FewestTokens(LegacyRowLayout layout);
+int TrailingFieldCount(bank::LegacyRowLayout layout);
+int FewestTokens(bank::LegacyRowLayout layout);
 
 // Fills machine from row. False, with machine unchanged, when the row has too few tokens.
-bool ParseOldRow(const char* row, LegacyRowLayout layout, CQZRIM& machine);
+bool ParseOldRow(const char* row, bank::LegacyRowLayout layout, CQZRIM& machine);
 
 }  // namespace qzr::legacy
 

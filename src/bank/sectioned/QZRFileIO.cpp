@@ -8,6 +8,8 @@
 #include "platform/CNumbers.h"
 #include "platform/TextLineReader.h"
 
+namespace qzr::bank {
+
 namespace {
 
 constexpr size_t kValueBufferSize = 512;
@@ -105,3 +107,5 @@ int CQZRFileIO::GetKeyInt(const char* section, const char* key, int* value, bool
     }
     return kFound;
 }
+
+}  // namespace qzr::bank

@@ -14,6 +14,8 @@ namespace qzr::platform {
 class TextLineReader;
 }
 
+namespace qzr::bank {
+
 class CQZRFileIO {
   public:
     // Results of a lookup.
@@ -50,5 +52,7 @@ class CQZRFileIO {
     std::string m_path;
     bool m_hasPath = false;
 };
+
+}  // namespace qzr::bank
 
 #endif  // QZR_BANK_SECTIONED_QZRFILEIO_H

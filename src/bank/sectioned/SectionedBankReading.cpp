@@ -17,10 +17,12 @@
 #include "catalogue/QZRMoldingMachineDatabase.h"
 #include "platform/Env.h"
 
-namespace {
+using qzr::catalogue::CQZRMoldingMachineCtrlAccess;
+using qzr::catalogue::CQZRMoldingMachineDatabase;
 
-using qzr::bank::MachineSectionFormat;
-using qzr::bank::SectionedBankIndex;
+namespace qzr::bank {
+
+namespace {
 
 constexpr int kFirstSectionedVersion = 9000;
 constexpr int kSystemBankFormat = 0;
@@ -260,3 +262,5 @@ bool CQZRMoldingMachineReader::ReadRTMUserDatabase(const char* path,
                                                    CQZRMoldingMachineCtrl* const& catalogue) {
     return ReadUserBank(*this, path, catalogue, kRTMUserBank, qzr::bank::RTMSectionFormat());
 }
+
+}  // namespace qzr::bank

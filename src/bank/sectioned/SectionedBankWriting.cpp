@@ -14,11 +14,12 @@
 #include "platform/CNumbers.h"
 #include "platform/TextWriter.h"
 
+using qzr::catalogue::CQZRMoldingMachineCtrlAccess;
+
+namespace qzr::bank {
+
 namespace {
 
-using qzr::bank::KeyValueKind;
-using qzr::bank::MachineKey;
-using qzr::bank::MachineSectionFormat;
 using qzr::platform::TextWriter;
 using qzr::platform::WriteD;
 using qzr::platform::WriteLf;
@@ -167,3 +168,5 @@ bool CQZRMoldingMachineWriter::WriteRTMUserDatabase(const char* folder,
     }
     return WriteSectionedUserBank(target, *catalogue, qzr::bank::RTMSectionFormat());
 }
+
+}  // namespace qzr::bank
