@@ -77,6 +77,17 @@ struct MachineCount {
     bool hasDeclared = false;
 };
 
+// A value that a reader found but could not read as the number its field holds: the field
+// keeps what the reader's rule gives it instead (for a sectioned bank the previous number of
+// the same kind in that section, or 0; for a legacy row whatever the row's conversion left).
+struct FieldNotConverted {
+    std::string_view path;
+    long line = 0;           // the line that holds the value
+    long number = 0;         // the section number n of "[Machine-n]", or 0 for a legacy row
+    std::string_view field;  // the field's key in the sectioned format, or its legacy column name
+    std::string_view value;  // the text as the reader saw it
+};
+
 class LoadObserver {
   public:
     virtual ~LoadObserver() = default;
@@ -86,6 +97,7 @@ class LoadObserver {
     virtual void OnKeyFromLaterSection(const KeyFromLaterSection&) {}
     virtual void OnLineCut(const LineCut&) {}
     virtual void OnMachineCount(const MachineCount&) {}
+    virtual void OnFieldNotConverted(const FieldNotConverted&) {}
 };
 
 // The observer of the loads on this thread, or null (the usual case).
