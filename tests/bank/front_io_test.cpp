@@ -8,11 +8,11 @@
 #include <string>
 #include <tuple>
 
-#include "bank_test_support.h"
+#include "TempFolder.h"
 
 namespace {
 
-using qzr::bank::testing::TempFolder;
+using qzr::test::TempFolder;
 
 using Member = std::function<bool(CQZRMoldingMachineIO&, const char*, CQZRMoldingMachineCtrl*)>;
 

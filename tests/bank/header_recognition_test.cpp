@@ -5,15 +5,15 @@
 #include <string>
 #include <vector>
 
+#include "TempFolder.h"
 #include "bank/QZRMoldingMachineReader.h"
-#include "bank_test_support.h"
 
 using qzr::bank::CQZRMoldingMachineReader;
 
 namespace {
 
 using namespace std::string_literals;
-using qzr::bank::testing::TempFolder;
+using qzr::test::TempFolder;
 
 // "ok|no version/format/type", and the bank kind the reader reports after the recognition.
 std::string Recognise(CQZRMoldingMachineReader& reader, const std::string& path) {

@@ -7,24 +7,19 @@
 #include <algorithm>
 #include <cstddef>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 
-#include "bank/bank_test_support.h"
+#include "FixedClock.h"
+#include "TempFolder.h"
 
 namespace {
 
-using qzr::bank::testing::FixedClock;
-using qzr::bank::testing::TempFolder;
+using qzr::test::TempFolder;
 using Ctrl = CQZRMoldingMachineCtrl;
+using Load = bool (*)(CQZRMoldingMachineIO&, const std::string&, Ctrl*);
+using Save = bool (*)(CQZRMoldingMachineIO&, const std::string&, const Ctrl*);
 
 const std::string kExamples = std::string(QZR_EXAMPLES_DIR) + "/Bank/";
-
-std::string ReadExample(const std::string& name) {
-    std::ifstream in(kExamples + name, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
 
 // "Maker count, ..." in maker order, then the number of machines.
 std::string Summary(const Ctrl& catalogue) {
@@ -37,27 +32,19 @@ std::string Summary(const Ctrl& catalogue) {
     return summary + std::to_string(catalogue.GetTotalMachine()) + " machines";
 }
 
-bool CaseSensitive(const TempFolder& folder) {
-    folder.Write("probe", "");
-    return !folder.Exists("PROBE");
-}
-
 std::ptrdiff_t EntryCount(const std::string& folder) {
     return std::distance(std::filesystem::directory_iterator(folder),
                          std::filesystem::directory_iterator());
 }
 
-using Load = bool (*)(CQZRMoldingMachineIO&, const std::string&, Ctrl*);
-const Load kLoadIMMSystem = [](CQZRMoldingMachineIO& io, const std::string& p, Ctrl* c) {
-    return io.LoadIMMSystemDatabase(p.c_str(), c);
-};
 const Load kLoadIMMUser = [](CQZRMoldingMachineIO& io, const std::string& p, Ctrl* c) {
     return io.LoadIMMUserDatabase(p.c_str(), c);
 };
 
 // Every default bank, its name and every folder above it in other letter case than the default
-// paths, loads whole from the path a host builds.
-TEST(LetterCase, ABankFolderInOtherCaseLoadsEveryMachine) {
+// paths, loads whole from the path a host builds; a save of a user bank to its default path
+// replaces that very file and puts its backup beside it, no second bank in the asked-for case.
+TEST(LetterCase, ABankFolderInOtherCaseLoadsAndSaves) {
     const TempFolder folder;
     const struct {
         const char* example;  // below examples/Bank
@@ -74,21 +61,28 @@ TEST(LetterCase, ABankFolderInOtherCaseLoadsEveryMachine) {
         {"user-pro.bnk", "bank/USER-PRO.BNK"},
     };
     for (const auto& file : files) {
-        folder.Write(file.copy, ReadExample(file.example));
+        folder.Write(file.copy, qzr::test::ReadBytes(kExamples + file.example));
     }
     const struct {
         const char* defaultTail;  // as the library's default bank paths write it
         Load load;
+        const char* copy;  // a user bank's copy, below the temporary folder
+        Save save;         // given a folder, as a host passes it; null for a system bank
     } rows[] = {
         // clang-format off
-        {"Bank\\Machine\\IMM\\*.bnk", kLoadIMMSystem},
-        {"Bank\\User-IMM.bnk", kLoadIMMUser},
-        {"Bank\\Machine\\RTM\\*.bnk", [](auto& io, auto& p, Ctrl* c) { return io.LoadRTMSystemDatabase(p.c_str(), c); }},
-        {"Bank\\User-RTMIC.bnk", [](auto& io, auto& p, Ctrl* c) { return io.LoadRTMUserDatabase(p.c_str(), c); }},
-        {"Bank\\system-pro.bnk", [](auto& io, auto& p, Ctrl* c) { return io.LoadOldIMMSystemDatabase(p.c_str(), c); }},
-        {"Bank\\user-pro.bnk", [](auto& io, auto& p, Ctrl* c) { return io.LoadOldIMMUserDatabase(p.c_str(), c); }},
+        {"Bank\\Machine\\IMM\\*.bnk", [](auto& io, auto& p, Ctrl* c) { return io.LoadIMMSystemDatabase(p.c_str(), c); }, nullptr, nullptr},
+        {"Bank\\User-IMM.bnk", kLoadIMMUser, "bank/user-imm.bnk",
+         [](auto& io, auto& f, const Ctrl* c) { return io.SaveIMMUserDatabase((f + "\\Bank\\User-IMM.bnk").c_str(), c); }},
+        {"Bank\\Machine\\RTM\\*.bnk", [](auto& io, auto& p, Ctrl* c) { return io.LoadRTMSystemDatabase(p.c_str(), c); }, nullptr, nullptr},
+        {"Bank\\User-RTMIC.bnk", [](auto& io, auto& p, Ctrl* c) { return io.LoadRTMUserDatabase(p.c_str(), c); }, "bank/USER-RTMIC.BNK",
+         [](auto& io, auto& f, const Ctrl* c) { return io.SaveRTMUserDatabase((f + "\\").c_str(), c); }},
+        {"Bank\\system-pro.bnk", [](auto& io, auto& p, Ctrl* c) { return io.LoadOldIMMSystemDatabase(p.c_str(), c); }, nullptr, nullptr},
+        {"Bank\\user-pro.bnk", [](auto& io, auto& p, Ctrl* c) { return io.LoadOldIMMUserDatabase(p.c_str(), c); }, "bank/USER-PRO.BNK",
+         [](auto& io, auto& f, const Ctrl* c) { return io.SaveOldIMMUserDatabase((f + "\\").c_str(), c); }},
         // clang-format on
     };
+    const qzr::test::FixedClock clock;
+    std::ptrdiff_t entries = EntryCount(folder.File("bank"));
     for (const auto& row : rows) {
         SCOPED_TRACE(row.defaultTail);
         // The same bank in examples/Bank: the tail past "Bank" and its separator.
@@ -100,14 +94,26 @@ TEST(LetterCase, ABankFolderInOtherCaseLoadsEveryMachine) {
         Ctrl loaded;
         EXPECT_TRUE(row.load(io, folder.Folder() + "\\" + row.defaultTail, &loaded));
         EXPECT_EQ(Summary(loaded), Summary(expected));
+        if (row.save == nullptr) {
+            continue;
+        }
+        const TempFolder reference;
+        reference.MakeFolder("Bank");
+        ASSERT_TRUE(row.save(io, reference.Folder(), &loaded));
+        const std::string previous = folder.Read(row.copy);
+        EXPECT_TRUE(row.save(io, folder.Folder(), &loaded));
+        EXPECT_EQ(folder.Read(row.copy), reference.Read(examplePath.substr(kExamples.size() - 5)));
+        EXPECT_EQ(folder.Read("bank/" + examplePath.substr(kExamples.size()) + ".bak"), previous);
+        EXPECT_EQ(EntryCount(folder.File("bank")), ++entries) << "the backup and nothing else";
     }
+    EXPECT_EQ(EntryCount(folder.Folder()), 1);
 }
 
 // Where several names differ only in case, the exact one wins, else the first in the order
 // Windows lists them (upper-cased, then byte by byte). Only a case-sensitive file system holds
 // such names side by side.
 TEST(LetterCase, TheExactNameWinsThenTheFirstListed) {
-    const std::string bank = ReadExample("User-IMM.bnk");
+    const std::string bank = qzr::test::ReadBytes(kExamples + "User-IMM.bnk");
     std::string other = bank;
     for (size_t at = other.find("Kemberline"); at != std::string::npos;
          at = other.find("Kemberline", at)) {
@@ -126,7 +132,8 @@ TEST(LetterCase, TheExactNameWinsThenTheFirstListed) {
     for (const auto& row : rows) {
         SCOPED_TRACE(row.label);
         const TempFolder folder;
-        if (!CaseSensitive(folder)) {
+        folder.Write("probe", "");
+        if (folder.Exists("PROBE")) {
             GTEST_SKIP() << "the file system ignores letter case";
         }
         folder.Write(row.wanted, bank);
@@ -136,52 +143,6 @@ TEST(LetterCase, TheExactNameWinsThenTheFirstListed) {
         EXPECT_TRUE(kLoadIMMUser(io, folder.Folder() + "\\Bank\\User-IMM.bnk", &loaded));
         EXPECT_EQ(loaded.GetMachineCount("Kemberline"), 3);
         EXPECT_EQ(loaded.GetMachineCount("Vandermeer"), 0);
-    }
-}
-
-// A save to a default path where the bank lies under other case replaces that very file and
-// puts its backup beside it; no second bank in the asked-for case appears.
-TEST(LetterCase, ASaveUpdatesTheBankFoundInOtherCase) {
-    using Save = bool (*)(CQZRMoldingMachineIO&, const std::string&, const Ctrl*);
-    const struct {
-        const char* example;  // loaded, then saved
-        Load load;
-        const char* existing;  // the bank in other case, below the temporary folder
-        Save save;             // given the temporary folder, as a host passes it
-        const char* backup;    // below "bank": the default name with ".bak"
-    } rows[] = {
-        // clang-format off
-        {"User-IMM.bnk", kLoadIMMUser, "bank/user-imm.bnk",
-         [](auto& io, auto& f, const Ctrl* c) { return io.SaveIMMUserDatabase((f + "\\Bank\\User-IMM.bnk").c_str(), c); },
-         "User-IMM.bnk.bak"},
-        {"User-RTMIC.bnk", [](auto& io, auto& p, Ctrl* c) { return io.LoadRTMUserDatabase(p.c_str(), c); },
-         "bank/user-rtmic.bnk",
-         [](auto& io, auto& f, const Ctrl* c) { return io.SaveRTMUserDatabase((f + "\\").c_str(), c); },
-         "User-RTMIC.bnk.bak"},
-        {"user-pro.bnk", [](auto& io, auto& p, Ctrl* c) { return io.LoadOldIMMUserDatabase(p.c_str(), c); },
-         "bank/USER-PRO.BNK",
-         [](auto& io, auto& f, const Ctrl* c) { return io.SaveOldIMMUserDatabase((f + "\\").c_str(), c); },
-         "user-pro.bnk.bak"},
-        // clang-format on
-    };
-    const FixedClock clock;
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.existing);
-        CQZRMoldingMachineIO io;
-        Ctrl catalogue;
-        ASSERT_TRUE(row.load(io, kExamples + row.example, &catalogue));
-        const TempFolder reference;
-        reference.MakeFolder("Bank");
-        ASSERT_TRUE(row.save(io, reference.Folder(), &catalogue));
-        const std::string saved = reference.Read(std::string("Bank/") + row.example);
-
-        const TempFolder folder;
-        folder.Write(row.existing, "the previous bank\r\n");
-        EXPECT_TRUE(row.save(io, folder.Folder(), &catalogue));
-        EXPECT_EQ(folder.Read(row.existing), saved);
-        EXPECT_EQ(folder.Read(std::string("bank/") + row.backup), "the previous bank\r\n");
-        EXPECT_EQ(EntryCount(folder.Folder()), 1);
-        EXPECT_EQ(EntryCount(folder.File("bank")), 2);
     }
 }
 

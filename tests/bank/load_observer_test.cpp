@@ -8,14 +8,15 @@
 
 #include <QZRMachine/QZRMachine.h>
 
+#include "BankBuilders.h"
+#include "TempFolder.h"
 #include "bank/LoadObserver.h"
-#include "bank_test_support.h"
 
 namespace {
 
 using qzr::bank::LegacyLine;
-using qzr::bank::testing::Lines;
-using qzr::bank::testing::TempFolder;
+using qzr::test::Lines;
+using qzr::test::TempFolder;
 
 // Every event as one short line, paths left out.
 class Recorder : public qzr::bank::LoadObserver {

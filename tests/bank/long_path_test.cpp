@@ -7,12 +7,13 @@
 
 #include <QZRMachine/QZRMachine.h>
 
-#include "bank_test_support.h"
+#include "BankBuilders.h"
+#include "TempFolder.h"
 #include "platform/Env.h"
 
 namespace {
 
-using qzr::bank::testing::TempFolder;
+using qzr::test::TempFolder;
 
 // A target of exactly `length` characters under the folder: nested folders of up to 100
 // characters (a name may not pass 255 on POSIX), then "User-IMM.bnk". Empty when the temporary
@@ -37,20 +38,6 @@ std::string TargetOfLength(const TempFolder& folder, size_t length) {
     return path + "/" + name;
 }
 
-CQZRMoldingMachineCtrl OneMachineBank() {
-    CQZRMoldingMachineCtrl catalogue;
-    catalogue.SetFileVersion(9000);
-    catalogue.SetFileFormat(1);
-    catalogue.SetFileType(0);
-    catalogue.SetDatabaseInitialize(true);
-    CQZRIM machine;
-    machine.SetMaker("Longreach");
-    machine.SetGrade("LR-259");
-    machine.SetClampingForce(259.0);
-    catalogue.AddMachine(machine);
-    return catalogue;
-}
-
 TEST(LongPaths, TargetsUpToTheLimitSaveWithTheirBackupAndLoadBack) {
     qzr::platform::Env* env = qzr::platform::CurrentEnv();
     for (size_t length = 255; length <= 259; ++length) {
@@ -61,7 +48,7 @@ TEST(LongPaths, TargetsUpToTheLimitSaveWithTheirBackupAndLoadBack) {
             GTEST_SKIP() << "the temporary folder " << folder.Folder() << " is too long";
         }
         ASSERT_EQ(target.size(), length);
-        const CQZRMoldingMachineCtrl bank = OneMachineBank();
+        const CQZRMoldingMachineCtrl bank = qzr::test::UserCatalogue(false, 9000, 1);
         CQZRMoldingMachineIO io;
         ASSERT_TRUE(io.SaveIMMUserDatabase(target.c_str(), &bank));
         ASSERT_TRUE(io.SaveIMMUserDatabase(target.c_str(), &bank)) << "the second save backs up";
@@ -72,7 +59,7 @@ TEST(LongPaths, TargetsUpToTheLimitSaveWithTheirBackupAndLoadBack) {
         ASSERT_TRUE(io.LoadIMMUserDatabase(target.c_str(), &loaded));
         CQZRIM machine;
         ASSERT_TRUE(loaded.GetCurrentMachine(0, machine));
-        EXPECT_STREQ(machine.GetGrade(), "LR-259");
+        EXPECT_STREQ(machine.GetGrade(), "G-1000");
         // Windows' own folder removal stops at the classic limit: the library removes what is
         // longer before the folder goes.
         env->RemoveFile(target + ".bak");

@@ -1,7 +1,8 @@
 // One catalogue, one sequence of bytes: the three writers save a catalogue full of hard numbers
 // (signed zeros, denormals, the largest doubles, inf, nan, 32-bit extremes) to the files pinned
-// under tests/data/pinned, on every platform; and banks whose numbers are spelt every way a
-// reader meets them load to the same values everywhere, shown by saving them again.
+// under tests/data/pinned, on every platform, and the sectioned ones load and save again to the
+// same bytes; banks whose numbers are spelt every way a reader meets them load to the same values
+// everywhere, shown by saving them again.
 //
 // QZR_UPDATE_PINNED=1 rewrites the pinned files from this build (after a deliberate change of
 // the bytes; review the difference before committing it).
@@ -9,10 +10,8 @@
 #include <climits>
 #include <cmath>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <functional>
-#include <iterator>
 #include <limits>
 #include <string>
 #include <vector>
@@ -21,24 +20,21 @@
 
 #include <QZRMachine/QZRMachine.h>
 
-#include "bank_test_support.h"
+#include "FixedClock.h"
+#include "TempFolder.h"
 #include "records/RecordAttributes.h"
 
 namespace {
 
-using qzr::bank::testing::FixedClock;
-using qzr::bank::testing::TempFolder;
 using qzr::records::testing::Attribute;
 using qzr::records::testing::Kind;
 using qzr::records::testing::Table;
 using qzr::records::testing::Value;
+using qzr::test::FixedClock;
+using qzr::test::ReadBytes;
+using qzr::test::TempFolder;
 
 const std::string kPinned = std::string(QZR_TEST_DATA_DIR) + "/pinned/";
-
-std::string ReadBytes(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
 
 // The pinned file's bytes, or, with QZR_UPDATE_PINNED=1, the given bytes written in its place.
 std::string Pinned(const std::string& name, const std::string& written) {
@@ -89,6 +85,8 @@ R HardMachine(int machine) {
     return record;
 }
 
+constexpr char kCreateBy[] = "bank tests";  // not read back from a bank
+
 CQZRMoldingMachineCtrl HardCatalogue(int version, int type) {
     CQZRMoldingMachineCtrl catalogue;
     catalogue.SetFileVersion(version);
@@ -96,7 +94,7 @@ CQZRMoldingMachineCtrl HardCatalogue(int version, int type) {
     catalogue.SetFileType(type);
     catalogue.SetDatabaseInitialize(true);
     catalogue.SetFileName("Pinned numbers");
-    catalogue.SetFileCreateBy("bank tests");
+    catalogue.SetFileCreateBy(kCreateBy);
     const int machines = static_cast<int>(kReals.size());
     for (int machine = 0; machine < machines; ++machine) {
         if (type == 1) {
@@ -156,13 +154,21 @@ std::string Saved(const Format& format, const CQZRMoldingMachineCtrl& catalogue)
     return folder.Read(std::string("Bank/") + format.file);
 }
 
-TEST(PinnedBytes, HardNumbersSaveToTheSameBytesOnEveryPlatform) {
+TEST(PinnedBytes, HardNumbersSaveToTheSameBytesAndBack) {
     for (const Format& format : Formats()) {
         SCOPED_TRACE(format.file);
         const std::string written = Saved(format, HardCatalogue(format.version, format.type));
         const std::string pinned = Pinned(format.file, written);
         ASSERT_FALSE(pinned.empty()) << "no pinned file " << kPinned << format.file;
         EXPECT_TRUE(written == pinned) << "the bytes differ from " << kPinned << format.file;
+        if (format.version < 9000) {
+            continue;  // these rows pass the 1023 characters a legacy row is read in
+        }
+        CQZRMoldingMachineIO io;
+        CQZRMoldingMachineCtrl loaded;
+        ASSERT_TRUE(format.load(io, kPinned + format.file, &loaded));
+        loaded.SetFileCreateBy(kCreateBy);
+        EXPECT_TRUE(Saved(format, loaded) == pinned) << "loaded and saved again, it differs";
     }
 }
 

@@ -3,15 +3,7 @@
 // hangs. The files are generated here; none is kept in the repository.
 #include <gtest/gtest.h>
 
-#if defined(_WIN32)
-#ifndef WIN32_LEAN_AND_MEAN
-#define WIN32_LEAN_AND_MEAN
-#endif
-#ifndef NOMINMAX
-#define NOMINMAX
-#endif
-#include <windows.h>
-#else
+#if !defined(_WIN32)
 #include <sys/stat.h>
 #endif
 
@@ -24,12 +16,14 @@
 #include <QZRMachine/QZRMoldingMachineCtrl.h>
 #include <QZRMachine/QZRMoldingMachineIO.h>
 
-#include "reliability_test_support.h"
+#include "BankBuilders.h"
+#include "TempFolder.h"
+#include "WindowsHeaders.h"
 
 namespace {
 
-using qzr::reliability::testing::FolderSnapshot;
-using qzr::reliability::testing::ScratchFolder;
+using qzr::test::FolderSnapshot;
+using qzr::test::TempFolder;
 
 std::string Repeat(const std::string& text, size_t times) {
     std::string out;
@@ -41,8 +35,7 @@ std::string Repeat(const std::string& text, size_t times) {
 }
 
 std::string SectionedHeader(int format, int type) {
-    return "[FileHeader]\r\nVersion    = 9000\r\nFormat     = " + std::to_string(format) +
-           "\r\nType       = " + std::to_string(type) + "\r\n\r\n[General]\r\n\r\n";
+    return qzr::test::SectionedHead(9000, format, type) + "\r\n[General]\r\n\r\n";
 }
 
 std::string Machine(long number) {
@@ -87,7 +80,7 @@ std::string LoadEveryWay(const std::string& path) {
 }
 
 TEST(HostileFiles, EveryLoadGivesADefinedResult) {
-    ScratchFolder folder;
+    TempFolder folder;
     struct Row {
         const char* name;
         std::string bytes;
@@ -143,7 +136,7 @@ TEST(HostileFiles, EveryLoadGivesADefinedResult) {
 // CON and a named pipe on Windows.
 TEST(HostileFiles, FoldersDevicesAndPipesAreNoBanks) {
     namespace fs = std::filesystem;
-    ScratchFolder folder;
+    TempFolder folder;
     folder.Write("Bank/User-IMM.bnk/inside.txt", "a folder where a bank should be");
     FolderSnapshot expected = folder.Snapshot();
 #if defined(_WIN32)

@@ -17,8 +17,11 @@
 #include <QZRMachine/QZRMoldingMachineCtrl.h>
 #include <QZRMachine/QZRMoldingMachineIO.h>
 
+#include "BankBuilders.h"
+#include "FixedClock.h"
+#include "HeldOpen.h"
+#include "TempFolder.h"
 #include "platform/EnvWrapper.h"
-#include "reliability_test_support.h"
 
 namespace {
 
@@ -26,9 +29,9 @@ using qzr::platform::Env;
 using qzr::platform::EnvWrapper;
 using qzr::platform::WritableFile;
 using qzr::platform::WriteMode;
-using qzr::reliability::testing::FillUserCatalogue;
-using qzr::reliability::testing::FolderSnapshot;
-using qzr::reliability::testing::ScratchFolder;
+using qzr::test::FolderSnapshot;
+using qzr::test::TempFolder;
+using qzr::test::UserCatalogue;
 
 // Counts the file operations and fails the one numbered failAt (1-based; 0 fails none). A
 // failed write puts half of its bytes on disk first, as a full disk does; a failed close
@@ -67,7 +70,7 @@ class FaultyEnv : public EnvWrapper {
     bool CopyPermissions(const std::string& from, const std::string& to) override {
         return !Fails("permissions") && target()->CopyPermissions(from, to);
     }
-    int64_t NowUtcSeconds() override { return 315626635; }
+    int64_t NowUtcSeconds() override { return qzr::test::FixedClock::kSeconds; }
 
   private:
     class FaultyFile : public WritableFile {
@@ -131,7 +134,7 @@ struct WriterRow {
     const char* target;  // relative to the folder
     bool transferMoulding;
     int version;
-    std::function<bool(CQZRMoldingMachineIO&, const ScratchFolder&, const CQZRMoldingMachineCtrl*)>
+    std::function<bool(CQZRMoldingMachineIO&, const TempFolder&, const CQZRMoldingMachineCtrl*)>
         save;
 };
 
@@ -141,28 +144,25 @@ constexpr int kMachines = 600;
 TEST(SaveFaults, EveryFailingOperationKeepsThePreviousBank) {
     const WriterRow writers[] = {
         {"legacy", "Bank/user-pro.bnk", false, 7007,
-         [](CQZRMoldingMachineIO& io, const ScratchFolder& folder,
-            const CQZRMoldingMachineCtrl* c) {
-             return io.SaveOldIMMUserDatabase(folder.Folder().c_str(), c);
+         [](CQZRMoldingMachineIO& io, const TempFolder& folder, const CQZRMoldingMachineCtrl* c) {
+             return io.SaveOldIMMUserDatabase((folder.Folder() + "/").c_str(), c);
          }},
         {"IMM", "User-IMM.bnk", false, 9000,
-         [](CQZRMoldingMachineIO& io, const ScratchFolder& folder,
-            const CQZRMoldingMachineCtrl* c) {
+         [](CQZRMoldingMachineIO& io, const TempFolder& folder, const CQZRMoldingMachineCtrl* c) {
              return io.SaveIMMUserDatabase(folder.File("User-IMM.bnk").c_str(), c);
          }},
         {"RTM", "Bank/User-RTMIC.bnk", true, 9000,
-         [](CQZRMoldingMachineIO& io, const ScratchFolder& folder,
-            const CQZRMoldingMachineCtrl* c) {
-             return io.SaveRTMUserDatabase(folder.Folder().c_str(), c);
+         [](CQZRMoldingMachineIO& io, const TempFolder& folder, const CQZRMoldingMachineCtrl* c) {
+             return io.SaveRTMUserDatabase((folder.Folder() + "/").c_str(), c);
          }},
     };
     for (const WriterRow& writer : writers) {
-        CQZRMoldingMachineCtrl catalogue;
-        FillUserCatalogue(catalogue, writer.transferMoulding, writer.version, kMachines);
+        const CQZRMoldingMachineCtrl catalogue =
+            UserCatalogue(writer.transferMoulding, writer.version, kMachines);
         const std::string target = writer.target;
         const std::string backup = target + ".bak";
         for (const bool targetExists : {true, false}) {
-            ScratchFolder folder;
+            TempFolder folder;
             folder.Write("Bank/Machine/IMM/a.bnk", "a system bank nobody touches\r\n");
             folder.Write("notes.txt", "unrelated\n");
             if (targetExists) {
@@ -227,7 +227,7 @@ TEST(SaveFaults, EveryFailingOperationKeepsThePreviousBank) {
 // Whether this process is kept from writing into a read-only file. Root is not, as fopen
 // never was; nor is a Windows program that Wine runs for root.
 bool ReadOnlyIsKept() {
-    ScratchFolder folder;
+    TempFolder folder;
     folder.Write("probe", "");
     std::filesystem::permissions(folder.File("probe"), std::filesystem::perms::owner_read);
     return !std::ofstream(folder.File("probe"), std::ios::app).is_open();
@@ -240,13 +240,13 @@ TEST(SaveFaults, TargetAndStaleTemporaryFile) {
     namespace fs = std::filesystem;
     struct Row {
         const char* label;
-        std::function<void(const ScratchFolder&)> prepare;
+        std::function<void(const TempFolder&)> prepare;
         bool saved;
         bool keepsMode;  // the target's permissions are those it had before
     };
-    const auto bank = [](const ScratchFolder& f) { f.Write("User-IMM.bnk", "old bank\r\n"); };
+    const auto bank = [](const TempFolder& f) { f.Write("User-IMM.bnk", "old bank\r\n"); };
     const auto withMode = [&bank](fs::perms mode) {
-        return [&bank, mode](const ScratchFolder& f) {
+        return [&bank, mode](const TempFolder& f) {
             bank(f);
             fs::permissions(f.File("User-IMM.bnk"), mode);
         };
@@ -258,7 +258,7 @@ TEST(SaveFaults, TargetAndStaleTemporaryFile) {
          true},
         {"a read-only target is refused, not replaced", withMode(r), !ReadOnlyIsKept(), true},
         {"a stale read-only temporary file is removed, not written through",
-         [&bank](const ScratchFolder& f) {
+         [&bank](const TempFolder& f) {
              bank(f);
              f.Write("victim.txt", "victim");
              fs::create_hard_link(f.File("victim.txt"), f.File("User-IMM.bnk.tmp"));
@@ -271,18 +271,17 @@ TEST(SaveFaults, TargetAndStaleTemporaryFile) {
                  "there)\n";
 #else
     rows.push_back({"a temporary name linked elsewhere is not written through",
-                    [&bank](const ScratchFolder& f) {
+                    [&bank](const TempFolder& f) {
                         bank(f);
                         f.Write("victim.txt", "victim");
                         fs::create_symlink(f.File("victim.txt"), f.File("User-IMM.bnk.tmp"));
                     },
                     true, false});
 #endif
-    CQZRMoldingMachineCtrl catalogue;
-    FillUserCatalogue(catalogue, false, 9000, 3);
+    const CQZRMoldingMachineCtrl catalogue = UserCatalogue(false, 9000, 3);
     for (const Row& row : rows) {
         SCOPED_TRACE(row.label);
-        ScratchFolder folder;
+        TempFolder folder;
         row.prepare(folder);
         const FolderSnapshot before = folder.Snapshot();
         const fs::perms mode = fs::status(folder.File("User-IMM.bnk")).permissions();
@@ -320,9 +319,8 @@ TEST(SaveFaults, AFileHeldOpenWithoutSharing) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.held);
-        CQZRMoldingMachineCtrl catalogue;
-        FillUserCatalogue(catalogue, false, 9000, 3);
-        ScratchFolder folder;
+        CQZRMoldingMachineCtrl catalogue = UserCatalogue(false, 9000, 3);
+        TempFolder folder;
         const std::string target = folder.File("User-IMM.bnk");
         CQZRMoldingMachineIO io;
         ASSERT_TRUE(io.SaveIMMUserDatabase(target.c_str(), &catalogue));
@@ -331,7 +329,7 @@ TEST(SaveFaults, AFileHeldOpenWithoutSharing) {
         const std::string previous = folder.Snapshot().at("User-IMM.bnk");
         catalogue.SetFileRemark("changed");
         {
-            const qzr::reliability::testing::HeldOpen held(folder.File(row.held));
+            const qzr::test::HeldOpen held(folder.File(row.held));
             ASSERT_TRUE(held.held());
             CQZRMoldingMachineCtrl loaded;
             EXPECT_EQ(io.LoadIMMUserDatabase(target.c_str(), &loaded), row.loaded);

@@ -1,5 +1,4 @@
-// The save protocol every writer goes through: default bank paths, the backup, and which
-// catalogues each writer takes.
+// Where the writers save: default bank paths, and which catalogues each writer takes.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -8,9 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "TempFolder.h"
 #include "bank/QZRMoldingMachineWriter.h"
-#include "bank/SaveProtocol.h"
-#include "bank_test_support.h"
 #include "catalogue/QZRMoldingMachineCtrlAccess.h"
 
 using qzr::bank::CQZRMoldingMachineWriter;
@@ -18,7 +16,7 @@ using qzr::catalogue::CQZRMoldingMachineCtrlAccess;
 
 namespace {
 
-using qzr::bank::testing::TempFolder;
+using qzr::test::TempFolder;
 
 TEST(SaveProtocol, DefaultBankPaths) {
     struct PathRow {
@@ -55,24 +53,6 @@ TEST(SaveProtocol, DefaultBankPaths) {
     }
     char buffer[CQZRMoldingMachineWriter::kPathBufferSize];
     EXPECT_FALSE(CQZRMoldingMachineWriter::GetDefaultBankPath(nullptr, 1, buffer));
-}
-
-bool Save(const std::string& target, const std::string& body) {
-    return qzr::bank::SaveBankFile(target,
-                                   [&body](qzr::platform::TextWriter& out) { out.Write(body); });
-}
-
-TEST(SaveProtocol, BackupHoldsThePreviousContent) {
-    TempFolder folder;
-    const std::string target = folder.File("User-IMM.bnk");
-    ASSERT_TRUE(Save(target, "first\n"));
-    EXPECT_EQ(folder.Read("User-IMM.bnk"), "first\r\n");
-    EXPECT_FALSE(folder.Exists("User-IMM.bnk.bak")) << "a new target has nothing to back up";
-    ASSERT_TRUE(Save(target, "second\n"));
-    EXPECT_EQ(folder.Read("User-IMM.bnk.bak"), "first\r\n");
-    ASSERT_TRUE(Save(target, "third\n"));
-    EXPECT_EQ(folder.Read("User-IMM.bnk"), "third\r\n");
-    EXPECT_EQ(folder.Read("User-IMM.bnk.bak"), "second\r\n");
 }
 
 // Each writer takes only a catalogue with a store whose attributes name its own kind of user

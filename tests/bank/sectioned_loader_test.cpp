@@ -4,9 +4,11 @@
 
 #include <string>
 
+#include "BankBuilders.h"
+#include "FixedClock.h"
+#include "TempFolder.h"
 #include "bank/QZRMoldingMachineReader.h"
 #include "bank/QZRMoldingMachineWriter.h"
-#include "bank_test_support.h"
 #include "reference/RescanningSectionParse.h"
 
 using qzr::bank::CQZRMoldingMachineReader;
@@ -14,15 +16,13 @@ using qzr::bank::CQZRMoldingMachineWriter;
 
 namespace {
 
-using qzr::bank::testing::FixedClock;
-using qzr::bank::testing::Lines;
-using qzr::bank::testing::TempFolder;
+using qzr::test::FixedClock;
+using qzr::test::Lines;
+using qzr::test::TempFolder;
 
 std::string Bank(int version, int format, int type, const std::string& sections) {
-    return Lines({"[FileHeader]", "Version = " + std::to_string(version),
-                  "Format = " + std::to_string(format), "Type = " + std::to_string(type), "",
-                  "[General]", "TotalMachine = 99", ""}) +
-           sections + "[EOF]\r\n";
+    return qzr::test::SectionedHead(version, format, type) +
+           Lines({"", "[General]", "TotalMachine = 99", ""}) + sections + "[EOF]\r\n";
 }
 
 std::string Section(int number, std::initializer_list<std::string_view> entries) {
@@ -138,20 +138,6 @@ TEST(SectionedLoad, UserBankMatchesTheSectionParser) {
     ASSERT_TRUE(writer.WriteIMMUserDatabase(folder.File("loaded.bnk").c_str(), &loaded));
     ASSERT_TRUE(writer.WriteIMMUserDatabase(folder.File("parsed.bnk").c_str(), &parsed));
     EXPECT_EQ(folder.Read("loaded.bnk"), folder.Read("parsed.bnk"));
-}
-
-// Sections 1 to 65536 all find their maker and grade after the last header; only the first
-// 65535 are read.
-TEST(SectionedLoad, AtMost65535Sections) {
-    std::string text = Lines({"[FileHeader]", "Version = 9000", "Format = 1", "Type = 1"});
-    for (int n = 1; n <= 65536; ++n) {
-        text += "[Machine-" + std::to_string(n) + "]\n";
-    }
-    TempFolder folder;
-    const std::string path = folder.Write("many.bnk", text + "Maker = Brennauer\nGrade = B\n");
-    CQZRMoldingMachineCtrl catalogue;
-    ASSERT_TRUE(CQZRMoldingMachineReader().ReadRTMUserDatabase(path.c_str(), &catalogue));
-    EXPECT_EQ(catalogue.GetTotalMachine(), 65535);
 }
 
 }  // namespace

@@ -7,9 +7,10 @@
 #include <string>
 #include <vector>
 
+#include "BankBuilders.h"
+#include "TempFolder.h"
 #include "bank/sectioned/QZRFileIO.h"
 #include "bank/sectioned/SectionedBankIndex.h"
-#include "bank_test_support.h"
 
 using qzr::bank::CQZRFileIO;
 
@@ -17,8 +18,8 @@ namespace {
 
 using namespace std::string_literals;
 using qzr::bank::SectionedBankIndex;
-using qzr::bank::testing::Lines;
-using qzr::bank::testing::TempFolder;
+using qzr::test::Lines;
+using qzr::test::TempFolder;
 
 std::string Answer(int result, const char* value) {
     return result == CQZRFileIO::kFound ? "1:" + std::string(value) : std::to_string(result);

@@ -5,24 +5,18 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 
-#include "platform/TempFolder.h"
+#include "TempFolder.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 using Ctrl = CQZRMoldingMachineCtrl;
+using qzr::test::ReadBytes;
 using Load = bool (*)(CQZRMoldingMachineIO&, const std::string&, Ctrl*);
 
 const std::string kBank = std::string(QZR_EXAMPLES_DIR) + "/Bank/";
-
-std::string ReadBytes(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
 
 // "Maker count, ..." in the catalogue's maker order, then version, format and type.
 std::string Summary(const Ctrl& catalogue) {
@@ -43,7 +37,7 @@ std::string Summary(const Ctrl& catalogue) {
 TEST(ExampleBanks, EveryBankLoadsAndUserBanksComeBackByteForByte) {
     const qzr::test::TempFolder folder;
     folder.MakeFolder("Bank");
-    const std::string out = folder.path() + "/";
+    const std::string out = folder.Folder() + "/";
     using Save = bool (*)(CQZRMoldingMachineIO&, const std::string&, const Ctrl*);
     const struct {
         const char* path;  // below the Bank folder
@@ -98,26 +92,6 @@ TEST(ExampleBanks, EveryBankLoadsAndUserBanksComeBackByteForByte) {
     }
 }
 
-// A few machines field by field: the tabs of the transfer-moulding keys, a legacy row's derived
-// shot volume and nozzle data.
-TEST(ExampleBanks, SampleMachinesReadFieldByField) {
-    CQZRMoldingMachineIO io;
-    Ctrl rtm;
-    CQZRRTM press;
-    ASSERT_TRUE(io.LoadRTMSystemDatabase((kBank + "Machine/RTM/*.bnk").c_str(), &rtm));
-    ASSERT_TRUE(rtm.GetMachine("Trandell", "TR-30", press));
-    EXPECT_STREQ(press.GetRemark(), "Bench-top press");
-    EXPECT_DOUBLE_EQ(press.GetPlungerSpeed(), 5.0);
-    Ctrl legacy;
-    CQZRIM machine;
-    ASSERT_TRUE(io.LoadOldIMMUserDatabase((kBank + "user-pro.bnk").c_str(), &legacy));
-    ASSERT_TRUE(legacy.GetMachine("Dravinsk", "DR 180", machine));
-    EXPECT_STREQ(machine.GetRemark(), "Shop 2, bay 4");
-    EXPECT_DOUBLE_EQ(machine.GetShotVolume(), 286.3);  // 45 x 45 x 0.7853975 x 180 / 1000
-    EXPECT_EQ(machine.GetNozzleSpecification().Type, 1);
-    EXPECT_DOUBLE_EQ(machine.GetNozzleSpecification().Value3, 45.0);
-}
-
 // Every file keeps CR LF line ends, as the library writes them; a checkout that turned them into
 // LF would hide line-end faults from every test that reads these files.
 TEST(ExampleBanks, EveryFileKeepsCrLfLineEnds) {
@@ -125,7 +99,7 @@ TEST(ExampleBanks, EveryFileKeepsCrLfLineEnds) {
     for (const auto& entry : fs::recursive_directory_iterator(kBank)) {
         if (entry.is_regular_file()) {
             ++files;
-            const std::string bytes = ReadBytes(entry.path().string());
+            const std::string bytes = ReadBytes(entry.path());
             for (size_t at = bytes.find('\n'); at != std::string::npos;
                  at = bytes.find('\n', at + 1)) {
                 ASSERT_TRUE(at > 0 && bytes[at - 1] == '\r') << entry.path() << ", byte " << at;
