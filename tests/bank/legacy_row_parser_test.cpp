@@ -194,20 +194,6 @@ TEST(LegacyRowParser, RowsOfEveryLayout) {
     }
 }
 
-TEST(LegacyRowParser, TooFewTokensLeaveTheRecordUnchanged) {
-    const int fewest[] = {9, 12, 13, 22, 11};
-    for (size_t i = 0; i < std::size(kAllLayouts); ++i) {
-        SCOPED_TRACE(fewest[i]);
-        std::string row = "1,Maker,Grade";
-        for (int field = 4; field < fewest[i]; ++field) row += "," + std::to_string(field);
-        CQZRIM machine = FilledMachine();
-        EXPECT_FALSE(Parse(row + ",,\n", kAllLayouts[i], machine)) << "empty fields give no token";
-        EXPECT_EQ(LegacyFields(machine), LegacyFields(FilledMachine()));
-        EXPECT_TRUE(Parse(row + ",x", kAllLayouts[i], machine));
-        EXPECT_STREQ(machine.GetMaker(), "Maker");
-    }
-}
-
 // Rows made of pieces that exercise the quirks: repeated texts (first and last occurrences
 // matter), empty fields, blanks, numbers in many spellings, stray line ends; and raw bytes.
 std::string GeneratedRow(std::mt19937& random) {

@@ -107,19 +107,6 @@ class FaultyEnv : public EnvWrapper {
     std::vector<std::string> m_operations;
 };
 
-// Bank texts compared without printing whole banks on a mismatch.
-testing::AssertionResult SameBytes(const std::string& actual, const std::string& expected) {
-    if (actual == expected) {
-        return testing::AssertionSuccess();
-    }
-    size_t at = 0;
-    while (at < actual.size() && at < expected.size() && actual[at] == expected[at]) {
-        ++at;
-    }
-    return testing::AssertionFailure() << actual.size() << " bytes instead of " << expected.size()
-                                       << ", first difference at byte " << at;
-}
-
 // A failure of these leaves the new bank complete, so the save still succeeds: the backup
 // copy is not looked at, the stale temporary file is usually absent, a medium may refuse
 // permissions, and closing the append-mode probe of the target decides nothing once it
@@ -201,16 +188,15 @@ TEST(SaveFaults, EveryFailingOperationKeepsThePreviousBank) {
                 EXPECT_EQ(saved, SaveSurvives(operations[k - 1]));
                 EXPECT_EQ(after.count(target + ".tmp"), 0u) << "temporary file left";
                 if (saved) {
-                    EXPECT_TRUE(SameBytes(after[target], newBank)) << "new bank incomplete";
+                    EXPECT_TRUE(after[target] == newBank) << "new bank incomplete";
                 } else if (targetExists) {
-                    EXPECT_TRUE(SameBytes(after[target], before.at(target)))
-                        << "previous bank damaged";
+                    EXPECT_TRUE(after[target] == before.at(target)) << "previous bank damaged";
                 } else {
                     EXPECT_EQ(after.count(target), 0u) << "a failed save created the target";
                 }
                 // The backup holds the previous bank or stays as it was; nothing else moves.
                 if (targetExists && after[backup] != before.at(backup)) {
-                    EXPECT_TRUE(SameBytes(after[backup], before.at(target)))
+                    EXPECT_TRUE(after[backup] == before.at(target))
                         << "backup is not the previous bank";
                 }
                 after.erase(target);

@@ -4,14 +4,12 @@
 #include <QZRMachine/QZRMachine.h>
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <string>
 
 #include "TempFolder.h"
 
 namespace {
 
-namespace fs = std::filesystem;
 using Ctrl = CQZRMoldingMachineCtrl;
 using qzr::test::ReadBytes;
 using Load = bool (*)(CQZRMoldingMachineIO&, const std::string&, Ctrl*);
@@ -90,24 +88,6 @@ TEST(ExampleBanks, EveryBankLoadsAndUserBanksComeBackByteForByte) {
         }
         EXPECT_EQ(saved, original) << row.path;
     }
-}
-
-// Every file keeps CR LF line ends, as the library writes them; a checkout that turned them into
-// LF would hide line-end faults from every test that reads these files.
-TEST(ExampleBanks, EveryFileKeepsCrLfLineEnds) {
-    int files = 0;
-    for (const auto& entry : fs::recursive_directory_iterator(kBank)) {
-        if (entry.is_regular_file()) {
-            ++files;
-            const std::string bytes = ReadBytes(entry.path());
-            for (size_t at = bytes.find('\n'); at != std::string::npos;
-                 at = bytes.find('\n', at + 1)) {
-                ASSERT_TRUE(at > 0 && bytes[at - 1] == '\r') << entry.path() << ", byte " << at;
-            }
-            EXPECT_EQ(bytes.substr(bytes.size() - 2), "\r\n") << entry.path();
-        }
-    }
-    EXPECT_EQ(files, 9);
 }
 
 }  // namespace
