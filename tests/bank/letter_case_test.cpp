@@ -7,8 +7,10 @@
 #include <algorithm>
 #include <cstddef>
 #include <filesystem>
+#include <map>
 #include <string>
 
+#include "DefaultBanks.h"
 #include "FixedClock.h"
 #include "TempFolder.h"
 
@@ -16,8 +18,6 @@ namespace {
 
 using qzr::test::TempFolder;
 using Ctrl = CQZRMoldingMachineCtrl;
-using Load = bool (*)(CQZRMoldingMachineIO&, const std::string&, Ctrl*);
-using Save = bool (*)(CQZRMoldingMachineIO&, const std::string&, const Ctrl*);
 
 const std::string kExamples = std::string(QZR_EXAMPLES_DIR) + "/Bank/";
 
@@ -36,10 +36,6 @@ std::ptrdiff_t EntryCount(const std::string& folder) {
     return std::distance(std::filesystem::directory_iterator(folder),
                          std::filesystem::directory_iterator());
 }
-
-const Load kLoadIMMUser = [](CQZRMoldingMachineIO& io, const std::string& p, Ctrl* c) {
-    return io.LoadIMMUserDatabase(p.c_str(), c);
-};
 
 // Every default bank, its name and every folder above it in other letter case than the default
 // paths, loads whole from the path a host builds; a save of a user bank to its default path
@@ -63,47 +59,35 @@ TEST(LetterCase, ABankFolderInOtherCaseLoadsAndSaves) {
     for (const auto& file : files) {
         folder.Write(file.copy, qzr::test::ReadBytes(kExamples + file.example));
     }
-    const struct {
-        const char* defaultTail;  // as the library's default bank paths write it
-        Load load;
-        const char* copy;  // a user bank's copy, below the temporary folder
-        Save save;         // given a folder, as a host passes it; null for a system bank
-    } rows[] = {
-        // clang-format off
-        {"Bank\\Machine\\IMM\\*.bnk", [](auto& io, auto& p, Ctrl* c) { return io.LoadIMMSystemDatabase(p.c_str(), c); }, nullptr, nullptr},
-        {"Bank\\User-IMM.bnk", kLoadIMMUser, "bank/user-imm.bnk",
-         [](auto& io, auto& f, const Ctrl* c) { return io.SaveIMMUserDatabase((f + "\\Bank\\User-IMM.bnk").c_str(), c); }},
-        {"Bank\\Machine\\RTM\\*.bnk", [](auto& io, auto& p, Ctrl* c) { return io.LoadRTMSystemDatabase(p.c_str(), c); }, nullptr, nullptr},
-        {"Bank\\User-RTMIC.bnk", [](auto& io, auto& p, Ctrl* c) { return io.LoadRTMUserDatabase(p.c_str(), c); }, "bank/USER-RTMIC.BNK",
-         [](auto& io, auto& f, const Ctrl* c) { return io.SaveRTMUserDatabase((f + "\\").c_str(), c); }},
-        {"Bank\\system-pro.bnk", [](auto& io, auto& p, Ctrl* c) { return io.LoadOldIMMSystemDatabase(p.c_str(), c); }, nullptr, nullptr},
-        {"Bank\\user-pro.bnk", [](auto& io, auto& p, Ctrl* c) { return io.LoadOldIMMUserDatabase(p.c_str(), c); }, "bank/USER-PRO.BNK",
-         [](auto& io, auto& f, const Ctrl* c) { return io.SaveOldIMMUserDatabase((f + "\\").c_str(), c); }},
-        // clang-format on
-    };
+    // The copy of each user bank, as the save must find it.
+    const std::map<std::string, std::string> userCopies = {
+        {"User-IMM.bnk", "bank/user-imm.bnk"},
+        {"User-RTMIC.bnk", "bank/USER-RTMIC.BNK"},
+        {"user-pro.bnk", "bank/USER-PRO.BNK"}};
     const qzr::test::FixedClock clock;
     std::ptrdiff_t entries = EntryCount(folder.File("bank"));
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.defaultTail);
-        // The same bank in examples/Bank: the tail past "Bank" and its separator.
-        std::string examplePath = kExamples + std::string(row.defaultTail).substr(5);
-        std::replace(examplePath.begin(), examplePath.end(), '\\', '/');
+    for (const qzr::test::DefaultBank& bank : qzr::test::kDefaultBanks) {
+        SCOPED_TRACE(bank.name);
+        // As the library's default bank paths write it.
+        std::string defaultTail = std::string("\\Bank\\") + bank.name;
+        std::replace(defaultTail.begin(), defaultTail.end(), '/', '\\');
         CQZRMoldingMachineIO io;
         Ctrl expected;
-        ASSERT_TRUE(row.load(io, examplePath, &expected));
+        ASSERT_TRUE(bank.load(io, kExamples + bank.name, &expected));
         Ctrl loaded;
-        EXPECT_TRUE(row.load(io, folder.Folder() + "\\" + row.defaultTail, &loaded));
+        EXPECT_TRUE(bank.load(io, folder.Folder() + defaultTail, &loaded));
         EXPECT_EQ(Summary(loaded), Summary(expected));
-        if (row.save == nullptr) {
+        if (bank.save == nullptr) {
             continue;
         }
+        const std::string copy = userCopies.at(bank.name);
         const TempFolder reference;
         reference.MakeFolder("Bank");
-        ASSERT_TRUE(row.save(io, reference.Folder(), &loaded));
-        const std::string previous = folder.Read(row.copy);
-        EXPECT_TRUE(row.save(io, folder.Folder(), &loaded));
-        EXPECT_EQ(folder.Read(row.copy), reference.Read(examplePath.substr(kExamples.size() - 5)));
-        EXPECT_EQ(folder.Read("bank/" + examplePath.substr(kExamples.size()) + ".bak"), previous);
+        ASSERT_TRUE(bank.save(io, reference.Folder() + "\\", &loaded));
+        const std::string previous = folder.Read(copy);
+        EXPECT_TRUE(bank.save(io, folder.Folder() + "\\", &loaded));
+        EXPECT_EQ(folder.Read(copy), reference.Read(std::string("Bank/") + bank.name));
+        EXPECT_EQ(folder.Read(std::string("bank/") + bank.name + ".bak"), previous);
         EXPECT_EQ(EntryCount(folder.File("bank")), ++entries) << "the backup and nothing else";
     }
     EXPECT_EQ(EntryCount(folder.Folder()), 1);
@@ -140,7 +124,8 @@ TEST(LetterCase, TheExactNameWinsThenTheFirstListed) {
         folder.Write(row.passed, other);
         CQZRMoldingMachineIO io;
         Ctrl loaded;
-        EXPECT_TRUE(kLoadIMMUser(io, folder.Folder() + "\\Bank\\User-IMM.bnk", &loaded));
+        EXPECT_TRUE(
+            qzr::test::kIMMUserBank.load(io, folder.Folder() + "\\Bank\\User-IMM.bnk", &loaded));
         EXPECT_EQ(loaded.GetMachineCount("Kemberline"), 3);
         EXPECT_EQ(loaded.GetMachineCount("Vandermeer"), 0);
     }

@@ -11,7 +11,6 @@
 #include <cmath>
 #include <cstdlib>
 #include <fstream>
-#include <functional>
 #include <limits>
 #include <string>
 #include <vector>
@@ -20,6 +19,7 @@
 
 #include <QZRMachine/QZRMachine.h>
 
+#include "DefaultBanks.h"
 #include "FixedClock.h"
 #include "TempFolder.h"
 #include "records/RecordAttributes.h"
@@ -109,40 +109,14 @@ CQZRMoldingMachineCtrl HardCatalogue(int version, int type) {
 }
 
 struct Format {
-    const char* file;  // the user bank's name, under Bank/
+    const qzr::test::DefaultBank& bank;
     int version;
     int type;
-    std::function<bool(CQZRMoldingMachineIO&, const TempFolder&, const CQZRMoldingMachineCtrl*)>
-        save;
-    std::function<bool(CQZRMoldingMachineIO&, const std::string&, CQZRMoldingMachineCtrl*)> load;
 };
 
-const std::vector<Format>& Formats() {
-    static const std::vector<Format> formats = {
-        {"user-pro.bnk", 7007, 0,
-         [](auto& io, auto& folder, auto catalogue) {
-             return io.SaveOldIMMUserDatabase((folder.Folder() + "/").c_str(), catalogue);
-         },
-         [](auto& io, auto& path, auto catalogue) {
-             return io.LoadOldIMMUserDatabase(path.c_str(), catalogue);
-         }},
-        {"User-IMM.bnk", 9000, 0,
-         [](auto& io, auto& folder, auto catalogue) {
-             return io.SaveIMMUserDatabase(folder.File("Bank/User-IMM.bnk").c_str(), catalogue);
-         },
-         [](auto& io, auto& path, auto catalogue) {
-             return io.LoadIMMUserDatabase(path.c_str(), catalogue);
-         }},
-        {"User-RTMIC.bnk", 9000, 1,
-         [](auto& io, auto& folder, auto catalogue) {
-             return io.SaveRTMUserDatabase((folder.Folder() + "/").c_str(), catalogue);
-         },
-         [](auto& io, auto& path, auto catalogue) {
-             return io.LoadRTMUserDatabase(path.c_str(), catalogue);
-         }},
-    };
-    return formats;
-}
+const Format kFormats[] = {{qzr::test::kLegacyUserBank, 7007, 0},
+                           {qzr::test::kIMMUserBank, 9000, 0},
+                           {qzr::test::kRTMUserBank, 9000, 1}};
 
 // The bytes the format's writer gives for the catalogue.
 std::string Saved(const Format& format, const CQZRMoldingMachineCtrl& catalogue) {
@@ -150,23 +124,23 @@ std::string Saved(const Format& format, const CQZRMoldingMachineCtrl& catalogue)
     TempFolder folder;
     folder.MakeFolder("Bank");
     CQZRMoldingMachineIO io;
-    EXPECT_TRUE(format.save(io, folder, &catalogue));
-    return folder.Read(std::string("Bank/") + format.file);
+    EXPECT_TRUE(format.bank.save(io, folder.Folder() + "/", &catalogue));
+    return folder.Read(std::string("Bank/") + format.bank.name);
 }
 
 TEST(PinnedBytes, HardNumbersSaveToTheSameBytesAndBack) {
-    for (const Format& format : Formats()) {
-        SCOPED_TRACE(format.file);
+    for (const Format& format : kFormats) {
+        SCOPED_TRACE(format.bank.name);
         const std::string written = Saved(format, HardCatalogue(format.version, format.type));
-        const std::string pinned = Pinned(format.file, written);
-        ASSERT_FALSE(pinned.empty()) << "no pinned file " << kPinned << format.file;
-        EXPECT_TRUE(written == pinned) << "the bytes differ from " << kPinned << format.file;
+        const std::string pinned = Pinned(format.bank.name, written);
+        ASSERT_FALSE(pinned.empty()) << "no pinned file " << kPinned << format.bank.name;
+        EXPECT_TRUE(written == pinned) << "the bytes differ from " << kPinned << format.bank.name;
         if (format.version < 9000) {
             continue;  // these rows pass the 1023 characters a legacy row is read in
         }
         CQZRMoldingMachineIO io;
         CQZRMoldingMachineCtrl loaded;
-        ASSERT_TRUE(format.load(io, kPinned + format.file, &loaded));
+        ASSERT_TRUE(format.bank.load(io, kPinned + format.bank.name, &loaded));
         loaded.SetFileCreateBy(kCreateBy);
         EXPECT_TRUE(Saved(format, loaded) == pinned) << "loaded and saved again, it differs";
     }
@@ -176,15 +150,15 @@ TEST(PinnedBytes, HardNumbersSaveToTheSameBytesAndBack) {
 // (blanks, signs, capitals, inf and nan words, hexadecimal, three-digit exponents, overflow,
 // trailing text); loading it and saving it again gives the pinned "resaved-" bytes.
 TEST(PinnedBytes, EverySpellingOfANumberLoadsToTheSameValue) {
-    for (const Format& format : Formats()) {
-        SCOPED_TRACE(format.file);
+    for (const Format& format : kFormats) {
+        SCOPED_TRACE(format.bank.name);
         CQZRMoldingMachineIO io;
         CQZRMoldingMachineCtrl catalogue;
-        ASSERT_TRUE(format.load(io, kPinned + "spellings-" + format.file, &catalogue));
+        ASSERT_TRUE(format.bank.load(io, kPinned + "spellings-" + format.bank.name, &catalogue));
         ASSERT_GT(catalogue.GetTotalMachine(), 0);
         const std::string resaved = Saved(format, catalogue);
-        EXPECT_TRUE(resaved == Pinned(std::string("resaved-") + format.file, resaved))
-            << "the loaded values differ from the ones pinned in resaved-" << format.file;
+        EXPECT_TRUE(resaved == Pinned(std::string("resaved-") + format.bank.name, resaved))
+            << "the loaded values differ from the ones pinned in resaved-" << format.bank.name;
     }
 }
 

@@ -17,6 +17,7 @@
 #include <QZRMachine/QZRMoldingMachineIO.h>
 
 #include "BankBuilders.h"
+#include "DefaultBanks.h"
 #include "TempFolder.h"
 #include "WindowsHeaders.h"
 
@@ -61,20 +62,15 @@ std::string Garbage(size_t size) {
 // into a fresh catalogue: '-' for false, else the number of machines loaded, in the order
 // legacy system, legacy user, IMM user, RTM user, IMM folder, RTM folder.
 std::string LoadEveryWay(const std::string& path) {
+    using namespace qzr::test;
     std::string outcome;
-    for (int way = 0; way < 6; ++way) {
+    for (const DefaultBank* bank : {&kLegacySystemBank, &kLegacyUserBank, &kIMMUserBank,
+                                    &kRTMUserBank, &kIMMSystemBanks, &kRTMSystemBanks}) {
         CQZRMoldingMachineCtrl catalogue;
-        CQZRMoldingMachineCtrl* pointer = &catalogue;
         CQZRMoldingMachineIO io;
-        const char* p = path.c_str();
-        const bool loaded = way == 0   ? io.LoadOldIMMSystemDatabase(p, pointer)
-                            : way == 1 ? io.LoadOldIMMUserDatabase(p, pointer)
-                            : way == 2 ? io.LoadIMMUserDatabase(p, pointer)
-                            : way == 3 ? io.LoadRTMUserDatabase(p, pointer)
-                            : way == 4 ? io.LoadIMMSystemDatabase(p, pointer)
-                                       : io.LoadRTMSystemDatabase(p, pointer);
-        outcome += (way > 0 ? " " : "");
-        outcome += loaded ? std::to_string(catalogue.GetTotalMachine()) : "-";
+        outcome += outcome.empty() ? "" : " ";
+        outcome +=
+            bank->load(io, path, &catalogue) ? std::to_string(catalogue.GetTotalMachine()) : "-";
     }
     return outcome;
 }

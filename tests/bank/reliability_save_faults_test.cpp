@@ -18,6 +18,7 @@
 #include <QZRMachine/QZRMoldingMachineIO.h>
 
 #include "BankBuilders.h"
+#include "DefaultBanks.h"
 #include "FixedClock.h"
 #include "HeldOpen.h"
 #include "TempFolder.h"
@@ -118,35 +119,22 @@ bool SaveSurvives(const std::string& operation) {
 
 struct WriterRow {
     const char* label;
-    const char* target;  // relative to the folder
+    const qzr::test::DefaultBank& bank;
     bool transferMoulding;
     int version;
-    std::function<bool(CQZRMoldingMachineIO&, const TempFolder&, const CQZRMoldingMachineCtrl*)>
-        save;
 };
 
 // Enough machines for the body to take several writes of the writer's buffer.
 constexpr int kMachines = 600;
 
 TEST(SaveFaults, EveryFailingOperationKeepsThePreviousBank) {
-    const WriterRow writers[] = {
-        {"legacy", "Bank/user-pro.bnk", false, 7007,
-         [](CQZRMoldingMachineIO& io, const TempFolder& folder, const CQZRMoldingMachineCtrl* c) {
-             return io.SaveOldIMMUserDatabase((folder.Folder() + "/").c_str(), c);
-         }},
-        {"IMM", "User-IMM.bnk", false, 9000,
-         [](CQZRMoldingMachineIO& io, const TempFolder& folder, const CQZRMoldingMachineCtrl* c) {
-             return io.SaveIMMUserDatabase(folder.File("User-IMM.bnk").c_str(), c);
-         }},
-        {"RTM", "Bank/User-RTMIC.bnk", true, 9000,
-         [](CQZRMoldingMachineIO& io, const TempFolder& folder, const CQZRMoldingMachineCtrl* c) {
-             return io.SaveRTMUserDatabase((folder.Folder() + "/").c_str(), c);
-         }},
-    };
+    const WriterRow writers[] = {{"legacy", qzr::test::kLegacyUserBank, false, 7007},
+                                 {"IMM", qzr::test::kIMMUserBank, false, 9000},
+                                 {"RTM", qzr::test::kRTMUserBank, true, 9000}};
     for (const WriterRow& writer : writers) {
         const CQZRMoldingMachineCtrl catalogue =
             UserCatalogue(writer.transferMoulding, writer.version, kMachines);
-        const std::string target = writer.target;
+        const std::string target = std::string("Bank/") + writer.bank.name;
         const std::string backup = target + ".bak";
         for (const bool targetExists : {true, false}) {
             TempFolder folder;
@@ -165,7 +153,8 @@ TEST(SaveFaults, EveryFailingOperationKeepsThePreviousBank) {
             {
                 qzr::platform::ScopedEnvOverride use(&counting);
                 CQZRMoldingMachineIO io;
-                ASSERT_TRUE(writer.save(io, folder, &catalogue)) << writer.label;
+                ASSERT_TRUE(writer.bank.save(io, folder.Folder() + "/", &catalogue))
+                    << writer.label;
                 newBank = folder.Snapshot().at(target);
             }
             const std::vector<std::string> operations = counting.operations();
@@ -182,7 +171,7 @@ TEST(SaveFaults, EveryFailingOperationKeepsThePreviousBank) {
                     FaultyEnv faulty(static_cast<int>(k));
                     qzr::platform::ScopedEnvOverride use(&faulty);
                     CQZRMoldingMachineIO io;
-                    saved = writer.save(io, folder, &catalogue);
+                    saved = writer.bank.save(io, folder.Folder() + "/", &catalogue);
                 }
                 FolderSnapshot after = folder.Snapshot();
                 EXPECT_EQ(saved, SaveSurvives(operations[k - 1]));

@@ -6,13 +6,13 @@
 
 #include <string>
 
+#include "DefaultBanks.h"
 #include "TempFolder.h"
 
 namespace {
 
 using Ctrl = CQZRMoldingMachineCtrl;
 using qzr::test::ReadBytes;
-using Load = bool (*)(CQZRMoldingMachineIO&, const std::string&, Ctrl*);
 
 const std::string kBank = std::string(QZR_EXAMPLES_DIR) + "/Bank/";
 
@@ -36,57 +36,46 @@ TEST(ExampleBanks, EveryBankLoadsAndUserBanksComeBackByteForByte) {
     const qzr::test::TempFolder folder;
     folder.MakeFolder("Bank");
     const std::string out = folder.Folder() + "/";
-    using Save = bool (*)(CQZRMoldingMachineIO&, const std::string&, const Ctrl*);
+    using namespace qzr::test;
     const struct {
-        const char* path;  // below the Bank folder
-        Load load;
+        const DefaultBank& bank;
         const char* summary;
-        Save save;  // into the folder `out`; null for a system bank
-        const char* remark;
+        const char* remark;  // of a sectioned user bank
     } rows[] = {
-        // clang-format off
         // Folder files load in name order; the first, Hollenvik-Ostrevo.bnk, is of version 9001.
-        {"Machine/IMM/*.bnk", [](auto& io, auto& p, Ctrl* c) { return io.LoadIMMSystemDatabase(p.c_str(), c); },
-         "Hollenvik 6, Ostrevo 5, Quillner 8, Tessamund 6, Zundrik 6, 9001/0/0", nullptr, nullptr},
-        {"User-IMM.bnk", [](auto& io, auto& p, Ctrl* c) { return io.LoadIMMUserDatabase(p.c_str(), c); },
-         "Kemberline 3, Dravinsk 2, Quillner 1, 9000/1/0",
-         [](auto& io, auto& o, const Ctrl* c) { return io.SaveIMMUserDatabase((o + "Bank/User-IMM.bnk").c_str(), c); },
+        {kIMMSystemBanks, "Hollenvik 6, Ostrevo 5, Quillner 8, Tessamund 6, Zundrik 6, 9001/0/0",
+         nullptr},
+        {kIMMUserBank, "Kemberline 3, Dravinsk 2, Quillner 1, 9000/1/0",
          "Machines of the moulding shop"},
-        {"Machine/RTM/*.bnk", [](auto& io, auto& p, Ctrl* c) { return io.LoadRTMSystemDatabase(p.c_str(), c); },
-         "Ivoskar 4, Meribold 4, Trandell 5, 9000/0/1", nullptr, nullptr},
-        {"User-RTMIC.bnk", [](auto& io, auto& p, Ctrl* c) { return io.LoadRTMUserDatabase(p.c_str(), c); },
-         "Meribold 2, Trandell 1, 9000/1/1",
-         [](auto& io, auto& o, const Ctrl* c) { return io.SaveRTMUserDatabase(o.c_str(), c); },
+        {kRTMSystemBanks, "Ivoskar 4, Meribold 4, Trandell 5, 9000/0/1", nullptr},
+        {kRTMUserBank, "Meribold 2, Trandell 1, 9000/1/1",
          "Transfer presses of the encapsulation line"},
-        {"system-pro.bnk", [](auto& io, auto& p, Ctrl* c) { return io.LoadOldIMMSystemDatabase(p.c_str(), c); },
-         "Yorvane 5, Calvestra 5, Tessamund 2, 7007/0/0", nullptr, nullptr},
-        {"user-pro.bnk", [](auto& io, auto& p, Ctrl* c) { return io.LoadOldIMMUserDatabase(p.c_str(), c); },
-         "Dravinsk 2, Calvestra 2, Kemberline 2, 7007/1/0",
-         [](auto& io, auto& o, const Ctrl* c) { return io.SaveOldIMMUserDatabase(o.c_str(), c); }, nullptr},
-        // clang-format on
+        {kLegacySystemBank, "Yorvane 5, Calvestra 5, Tessamund 2, 7007/0/0", nullptr},
+        {kLegacyUserBank, "Dravinsk 2, Calvestra 2, Kemberline 2, 7007/1/0", nullptr},
     };
     for (const auto& row : rows) {
+        const std::string path = row.bank.name;
         CQZRMoldingMachineIO io;
         Ctrl catalogue;
-        ASSERT_TRUE(row.load(io, kBank + row.path, &catalogue)) << row.path;
-        EXPECT_EQ(Summary(catalogue), row.summary) << row.path;
-        if (row.save == nullptr) {
+        ASSERT_TRUE(row.bank.load(io, kBank + path, &catalogue)) << path;
+        EXPECT_EQ(Summary(catalogue), row.summary) << path;
+        if (row.bank.save == nullptr) {
             continue;
         }
         if (row.remark != nullptr) {
             catalogue.SetFileCreateBy("Process engineering");
             catalogue.SetFileRemark(row.remark);
         }
-        ASSERT_TRUE(row.save(io, out, &catalogue)) << row.path;
-        const std::string original = ReadBytes(kBank + row.path);
-        std::string saved = ReadBytes(out + "Bank/" + row.path);
+        ASSERT_TRUE(row.bank.save(io, out, &catalogue)) << path;
+        const std::string original = ReadBytes(kBank + path);
+        std::string saved = ReadBytes(out + "Bank/" + path);
         const size_t date = original.find("\r\nCreateDate = ");
         if (date != std::string::npos && date < 200) {
             const size_t end = original.find("\r\n", date + 2);
-            EXPECT_EQ(saved.find("\r\nCreateDate = "), date) << row.path;
+            EXPECT_EQ(saved.find("\r\nCreateDate = "), date) << path;
             saved.replace(date, end - date, original, date, end - date);
         }
-        EXPECT_EQ(saved, original) << row.path;
+        EXPECT_EQ(saved, original) << path;
     }
 }
 
