@@ -37,13 +37,20 @@ bool SaveSectioned(const std::string& output, CQZRMoldingMachineCtrl* catalogue)
     return front.SaveIMMUserDatabase(output.c_str(), catalogue);
 }
 
+// Why files cannot be made in a folder, as far as the file system tells.
+std::string FolderProblem(const fs::path& folder) {
+    const std::string problem = StatusProblem(folder.empty() ? "." : folder.string());
+    return problem.empty() ? "the save failed" : problem;
+}
+
 bool SaveLegacy(const std::string& output, CQZRMoldingMachineCtrl* catalogue, std::string* error) {
     const fs::path target(NativePath(output));
     const fs::path parent = target.has_parent_path() ? target.parent_path() : fs::path(".");
     TemporaryFolder temporary(parent);
     std::error_code code;
     if (temporary.Path().empty() || !fs::create_directory(temporary.Path() / "Bank", code)) {
-        *error = "cannot make a temporary folder in " + parent.string();
+        *error =
+            "cannot make a temporary folder in " + parent.string() + ": " + FolderProblem(parent);
         return false;
     }
     CQZRMoldingMachineIO front;
@@ -253,7 +260,8 @@ int RunConvert(const ConvertOptions& options, std::ostream& out, std::ostream& e
     catalogue.SetFileCreateBy("qzrbank convert");
     catalogue.SetFileRemark(
         ("Converted from " + fs::path(NativePath(input)).filename().string()).c_str());
-    std::string error = "cannot write " + output;
+    std::string error =
+        "cannot write " + output + ": " + FolderProblem(fs::path(NativePath(output)).parent_path());
     const bool saved = conversion.toLegacy ? SaveLegacy(output, &catalogue, &error)
                                            : SaveSectioned(output, &catalogue);
     if (!saved) {
