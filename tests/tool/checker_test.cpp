@@ -62,4 +62,19 @@ TEST(Checker, EachFileReportsWhatItsLoaderDid) {
     }
 }
 
+// A value that does not convert keeps another one in its field: data the loader changed.
+TEST(Checker, AValueThatIsNoNumberIsAnError) {
+    const struct {
+        const char* file;
+        const char* findings;
+    } rows[] = {
+        {"sectioned_value_not_number.bnk", "33 error value-not-converted\n"},
+        {"legacy_field_not_number.bnk", "9 error value-not-converted\n"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.file);
+        EXPECT_EQ(Summary(CheckBankFile(ToolData(row.file))), row.findings);
+    }
+}
+
 }  // namespace
