@@ -84,7 +84,7 @@ TEST(Cli, ExitCodesAndOneLineErrors) {
         // A path from the root is a path, not a Windows-style "/option".
         {"a folder named from the root", {"list", "/qzrbank-no-such-folder/Bank"}, 2, "",
          "/qzrbank-no-such-folder/Bank: "},
-        {"help names the commands", {"--help"}, 0, "  info ", ""},
+        {"help", {"--help"}, 0, "Usage: qzrbank [OPTIONS] SUBCOMMAND", ""},
         {"help of a command", {"check", "--help"}, 0, "Usage: qzrbank check ", ""},
         {"the version", {"--version"}, 0, "qzrbank ", ""},
     });
