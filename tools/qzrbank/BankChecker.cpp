@@ -1,38 +1,16 @@
 #include "BankChecker.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <filesystem>
 #include <map>
-#include <system_error>
 
 #include <QZRMachine/QZRMoldingMachineCtrl.h>
 
-#include "BankCheckerSteps.h"
-#include "BankLoading.h"
-#include "BankText.h"
+#include "BankFiles.h"
 #include "MachineDetails.h"
 
 namespace qzrbank {
 
 namespace {
-
-void AddLineFindings(std::string_view text, size_t limit, std::vector<Finding>* findings) {
-    for (const PhysicalLine& line : SplitPhysicalLines(text)) {
-        const size_t characters = line.length + (line.hasLineEnd ? 1 : 0);
-        if (characters > limit) {
-            findings->push_back(
-                {line.line, "line is " + std::to_string(characters) + " characters long" +
-                                (line.hasLineEnd ? " with its line end" : "") +
-                                ": the loaders read at most " + std::to_string(limit) +
-                                " at a time and take the rest for a line of its own"});
-        }
-        if (line.hasNul) {
-            findings->push_back(
-                {line.line, "holds a NUL byte: the loaders see nothing of the line after it"});
-        }
-    }
-}
 
 // Name-rule buckets: the library folds names with the C library's lower-casing, which is
 // plain ASCII folding in the "C" locale; the record's own comparison then decides.
@@ -46,28 +24,36 @@ std::string FoldedName(const CQZRMoldingMachine& machine) {
     return key;
 }
 
+std::string Where(const MachineOrigin& origin, const MachineOrigin& from) {
+    return "line " + std::to_string(origin.line) +
+           (origin.path == from.path ? std::string() : " of " + NativePath(origin.path));
+}
+
+// Machines are in load order, and origins[first + i] is where machine i was read.
 template <class Record>
-void ReportDuplicates(const std::vector<Record>& machines, const std::vector<LoadedEntry>& entries,
-                      std::vector<Finding>* findings) {
+void ReportSameNames(const std::vector<Record>& machines, const std::vector<MachineOrigin>& origins,
+                     size_t first, std::vector<Finding>* findings) {
     std::map<std::string, std::vector<size_t>> byName;
     for (size_t j = 0; j < machines.size(); ++j) {
         std::vector<size_t>& same = byName[FoldedName(machines[j])];
-        for (size_t i : same) {
-            if (!machines[i].IsNameIdentity(machines[j])) {
-                continue;
-            }
-            const std::string first = std::to_string(entries[i].line);
-            findings->push_back(
-                {entries[j].line,
-                 Quoted(DisplayName(machines[j])) +
-                     (machines[i].IsMachineIdentity(machines[j])
-                          ? " repeats the machine of line " + first + " with identical data"
-                          : " has the maker and grade of line " + first +
-                                " with other data: lookups by maker and grade find only the "
-                                "first")});
-            break;
+        const auto match = std::find_if(same.begin(), same.end(), [&](size_t i) {
+            return machines[i].IsNameIdentity(machines[j]);
+        });
+        if (match == same.end()) {
+            same.push_back(j);
+            continue;
         }
-        same.push_back(j);
+        const bool identical = machines[*match].IsMachineIdentity(machines[j]);
+        const MachineOrigin& where = origins[first + j];
+        findings->push_back(
+            {where.path, where.line, Severity::kWarning,
+             identical ? "duplicate-machine" : "same-name",
+             Quoted(DisplayName(machines[j])) +
+                 (identical ? " repeats the machine of " : " has the maker and grade of ") +
+                 Where(origins[first + *match], where) +
+                 (identical ? ""
+                            : " with other data: lookups by maker and grade find only "
+                              "the first")});
     }
 }
 
@@ -79,150 +65,65 @@ std::vector<Record> InLoadOrder(std::vector<Record> machines) {
     return machines;
 }
 
-void ReportRemarks(const std::vector<CQZRIM>& machines, const std::vector<LoadedEntry>& entries,
-                   std::vector<Finding>* findings) {
-    for (size_t i = 0; i < machines.size(); ++i) {
-        const std::optional<std::string>& intended = entries[i].intendedRemark;
-        if (intended && *intended != machines[i].GetRemark()) {
-            findings->push_back({entries[i].line, "the remark reads back as " +
-                                                      Quoted(machines[i].GetRemark()) + ", not " +
-                                                      Quoted(*intended)});
-        }
+// The injection-moulding catalogue is loaded before the transfer-moulding one, so its
+// machines come first among the origins.
+void ReportSameNames(const CQZRMoldingMachineCtrl& imm, const CQZRMoldingMachineCtrl& rtm,
+                     const LoadWatcher& watcher, std::vector<Finding>* findings) {
+    const std::vector<CQZRIM> immMachines = InLoadOrder(IMMMachines(imm));
+    const std::vector<CQZRRTM> rtmMachines = InLoadOrder(RTMMachines(rtm));
+    const std::vector<MachineOrigin>& origins = watcher.Origins();
+    if (immMachines.size() + rtmMachines.size() != origins.size()) {
+        return;  // a machine the catalogue did not take: origins and machines do not pair
     }
+    ReportSameNames(immMachines, origins, 0, findings);
+    ReportSameNames(rtmMachines, origins, immMachines.size(), findings);
 }
 
-template <class Record>
-void CompareWithLibrary(const std::vector<Record>& machines, const SimulatedLoad& load,
-                        CheckReport* report) {
-    report->machinesLoaded = static_cast<int>(machines.size());
-    if (machines.size() != load.loaded.size()) {
-        report->findings.push_back({1, "the library loads " + std::to_string(machines.size()) +
-                                           " machines where this check expects " +
-                                           std::to_string(load.loaded.size()) +
-                                           ": findings on single machines may be off"});
-        return;
+CheckResult Finish(const LoadWatcher& watcher, const CQZRMoldingMachineCtrl& imm,
+                   const CQZRMoldingMachineCtrl& rtm) {
+    CheckResult result{watcher.Findings(), watcher.Files()};
+    ReportSameNames(imm, rtm, watcher, &result.findings);
+    for (WatchedFile& file : result.files) {
+        file.path = NativePath(file.path);
     }
-    ReportDuplicates(machines, load.loaded, &report->findings);
-}
-
-void PairWithLibrary(const std::string& path, const SimulatedLoad& load, CheckReport* report) {
-    BankLoad how = BankLoad::OldIMMSystem;
-    LoadOfKind(report->header.kind, &how);
-    CQZRMoldingMachineCtrl catalogue;
-    LoadBank(how, path, &catalogue);
-    if (how == BankLoad::RTMSystemFolder || how == BankLoad::RTMUser) {
-        CompareWithLibrary(InLoadOrder(RTMMachines(catalogue)), load, report);
-    } else {
-        const std::vector<CQZRIM> machines = InLoadOrder(IMMMachines(catalogue));
-        CompareWithLibrary(machines, load, report);
-        if (machines.size() == load.loaded.size()) {
-            ReportRemarks(machines, load.loaded, &report->findings);
-        }
+    for (Finding& finding : result.findings) {
+        finding.path = NativePath(finding.path);
     }
-    if (load.statedCount && load.statedCount->count != report->machinesLoaded) {
-        report->findings.push_back(
-            {load.statedCount->line,
-             Quoted(load.statedCount->key) + " is " + std::to_string(load.statedCount->count) +
-                 ", but " + std::to_string(report->machinesLoaded) +
-                 (report->machinesLoaded == 1 ? " machine loads" : " machines load")});
-    }
+    // Files in load order (folders found in other letter case before them), lines in order.
+    const auto rank = [&result](const Finding& finding) {
+        const auto file =
+            std::find_if(result.files.begin(), result.files.end(),
+                         [&finding](const WatchedFile& seen) { return seen.path == finding.path; });
+        const long position =
+            file == result.files.end() ? -1 : static_cast<long>(file - result.files.begin());
+        return std::make_pair(position, finding.line);
+    };
+    std::stable_sort(result.findings.begin(), result.findings.end(),
+                     [&rank](const Finding& a, const Finding& b) { return rank(a) < rank(b); });
+    return result;
 }
 
 }  // namespace
 
-std::string Quoted(std::string_view text) {
-    std::string quoted = "\"";
-    for (char c : text) {
-        const unsigned char byte = static_cast<unsigned char>(c);
-        if (c == '"' || c == '\\') {
-            quoted += '\\';
-            quoted += c;
-        } else if (c == '\t') {
-            quoted += "\\t";
-        } else if (c == '\r') {
-            quoted += "\\r";
-        } else if (c == '\n') {
-            quoted += "\\n";
-        } else if (byte < 0x20 || byte == 0x7f) {
-            char escape[8];
-            std::snprintf(escape, sizeof escape, "\\x%02x", byte);
-            quoted += escape;
-        } else {
-            quoted += c;
-        }
+CheckResult CheckBankFile(const std::string& path) {
+    // A file no loader recognises still goes to one, which reports its header as refused.
+    BankLoad load = BankLoad::OldIMMUser;
+    LoadOfKind(RecognizeBankFile(path).kind, &load);
+    LoadWatcher watcher;
+    CQZRMoldingMachineCtrl imm;
+    CQZRMoldingMachineCtrl rtm;
+    {
+        const qzr::bank::ScopedLoadObserver watch(&watcher);
+        LoadBank(load, path, IsRTMLoad(load) ? &rtm : &imm);
     }
-    return quoted + "\"";
+    return Finish(watcher, imm, rtm);
 }
 
-std::vector<std::string> LegacyTextHazards(const std::string& attribute, const std::string& value,
-                                           bool isName) {
-    std::vector<std::string> hazards;
-    const std::string named = attribute + " " + Quoted(value);
-    if (isName && value.empty()) {
-        hazards.push_back(attribute + " is empty: in a legacy bank the row's fields shift");
-    }
-    if (isName && value.find(',') != std::string::npos) {
-        hazards.push_back(named + " holds a comma: in a legacy bank it breaks the row");
-    }
-    if (value.find('\n') != std::string::npos) {
-        hazards.push_back(named + " holds a line end: in a legacy bank it splits the row");
-    }
-    struct Marker {
-        const char* text;
-        const char* effect;
-    };
-    const Marker markers[] = {
-        {"Version", "the loader takes the row for a version line and does not load it"},
-        {"TotalNo", "a legacy user bank with this row fails to load"},
-        {"Database]", "the loader takes the row for the database marker and does not load it"},
-        {"[EOF]", "the loader stops reading at this row"},
-    };
-    for (const Marker& marker : markers) {
-        if (value.find(marker.text) != std::string::npos) {
-            hazards.push_back(named + " holds " + Quoted(marker.text) + ": in a legacy bank " +
-                              marker.effect);
-        }
-    }
-    return hazards;
-}
-
-CheckReport CheckBankFile(const std::string& path) {
-    CheckReport report;
-    std::string text;
-    if (!ReadBankText(path, &text)) {
-        std::error_code error;
-        const std::filesystem::path native(NativePath(path));
-        report.readable = false;
-        report.error = !std::filesystem::exists(native, error)        ? "no such file"
-                       : std::filesystem::is_directory(native, error) ? "is a folder, not a file"
-                                                                      : "cannot be read";
-        return report;
-    }
-    report.header = RecognizeBankHeader(text);
-    const BankHeader& header = report.header;
-    if (!header.recognized) {
-        report.findings.push_back(
-            {header.problemLine, "no loader accepts this header: " + header.problem});
-        return report;
-    }
-    const bool sectioned = header.form == HeaderForm::Sectioned;
-    AddLineFindings(text, sectioned ? kSectionedLineChars : kLegacyLineChars, &report.findings);
-    if (!sectioned && IsSectionedKind(header.kind)) {
-        report.findings.push_back(
-            {2, "version " + std::to_string(header.version) +
-                    " is 9000 or above: the loaders take the file for a sectioned bank and read "
-                    "no machine from it"});
-    } else {
-        SimulatedLoad load =
-            sectioned ? SimulateSectionedLoad(text, header) : SimulateLegacyLoad(text, header);
-        report.findings.insert(report.findings.end(), load.findings.begin(), load.findings.end());
-        if (!load.noMachinesRead) {
-            PairWithLibrary(path, load, &report);
-        }
-    }
-    std::stable_sort(report.findings.begin(), report.findings.end(),
-                     [](const Finding& a, const Finding& b) { return a.line < b.line; });
-    return report;
+CheckResult CheckBankFolder(const BankFolder& folder) {
+    LoadWatcher watcher;
+    LoadedFolder loaded;
+    LoadBankFolder(folder, true, true, &loaded, &watcher);
+    return Finish(watcher, loaded.imm.Catalogue(), loaded.rtm.Catalogue());
 }
 
 }  // namespace qzrbank

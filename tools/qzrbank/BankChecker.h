@@ -1,41 +1,28 @@
-// The bank validator: reads a bank file as the library's loaders read it and reports, line
-// by line, everything that makes the loaders skip, shift, lose or misread a machine, or that
-// breaks a row when the machine is saved into a legacy bank.
+// The bank checker: loads bank files through the library's loaders with a LoadWatcher
+// installed, and reports what the loaders did to them, plus machines that a lookup by maker
+// and grade cannot tell apart.
 #ifndef QZRBANK_BANKCHECKER_H
 #define QZRBANK_BANKCHECKER_H
 
 #include <string>
-#include <string_view>
 #include <vector>
 
-#include "BankHeader.h"
+#include "BankLoading.h"
+#include "Finding.h"
+#include "LoadWatcher.h"
 
 namespace qzrbank {
 
-struct Finding {
-    int line = 1;
-    std::string message;
+struct CheckResult {
+    std::vector<Finding> findings;   // by file, then by line
+    std::vector<WatchedFile> files;  // every file the loads looked at, in load order
 };
 
-struct CheckReport {
-    bool readable = true;  // false: the file could not be read at all (an error, not a finding)
-    std::string error;
-    BankHeader header;
-    int machinesLoaded = 0;         // as the library's loader of the file's kind loads them
-    std::vector<Finding> findings;  // in line order
-};
+// One bank file, loaded by the loader of the kind its header is recognised as.
+CheckResult CheckBankFile(const std::string& path);
 
-CheckReport CheckBankFile(const std::string& path);
-
-// A text in double quotes for messages, with quotes, backslashes and control characters
-// escaped so that every finding stays on one line.
-std::string Quoted(std::string_view text);
-
-// What in one text of a machine breaks its row in a legacy bank: a comma in the maker or grade,
-// an empty maker or grade, a line end, or one of the texts that the legacy loaders take for a
-// marker ("Version", "TotalNo", "Database]", "[EOF]"). Each message names the attribute.
-std::vector<std::string> LegacyTextHazards(const std::string& attribute, const std::string& value,
-                                           bool isName);
+// A Bank folder, loaded as a host loads it.
+CheckResult CheckBankFolder(const BankFolder& folder);
 
 }  // namespace qzrbank
 

@@ -7,17 +7,18 @@
 // an existing OUT is first copied to OUT.bak, as every save of the library keeps the file it
 // replaces.
 #include <filesystem>
-#include <random>
 #include <system_error>
 
 #include <QZRMachine/QZRMoldingMachineCtrl.h>
 #include <QZRMachine/QZRMoldingMachineIO.h>
 
-#include "BankChecker.h"
+#include "BankFiles.h"
 #include "BankLoading.h"
-#include "BankText.h"
 #include "Commands.h"
+#include "Finding.h"
 #include "MachineDetails.h"
+#include "TemporaryFolder.h"
+#include "bank/BankKind.h"
 
 namespace qzrbank {
 
@@ -25,44 +26,21 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// A temporary folder that removes itself.
-class TemporaryFolder {
-  public:
-    explicit TemporaryFolder(const fs::path& parent) {
-        std::random_device random;
-        for (int attempt = 0; attempt < 16 && m_path.empty(); ++attempt) {
-            const fs::path candidate =
-                parent / (".qzrbank-convert-" + std::to_string(random()) + std::to_string(attempt));
-            std::error_code error;
-            if (fs::create_directory(candidate, error)) {
-                m_path = candidate;
-            }
-        }
-    }
-    ~TemporaryFolder() {
-        if (!m_path.empty()) {
-            std::error_code error;
-            fs::remove_all(m_path, error);
-        }
-    }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-    const fs::path& Path() const { return m_path; }
-
-  private:
-    fs::path m_path;
-};
-
 struct Conversion {
     bool toLegacy = false;
     const char* targetName = nullptr;
-    BankKind targetKind = BankKind::NotABank;
+    int targetKind = -1;
 };
 
 bool SaveSectioned(const std::string& output, CQZRMoldingMachineCtrl* catalogue) {
     CQZRMoldingMachineIO front;
     return front.SaveIMMUserDatabase(output.c_str(), catalogue);
+}
+
+// Why files cannot be made in a folder, as far as the file system tells.
+std::string FolderProblem(const fs::path& folder) {
+    const std::string problem = StatusProblem(folder.empty() ? "." : folder.string());
+    return problem.empty() ? "the save failed" : problem;
 }
 
 bool SaveLegacy(const std::string& output, CQZRMoldingMachineCtrl* catalogue, std::string* error) {
@@ -71,7 +49,8 @@ bool SaveLegacy(const std::string& output, CQZRMoldingMachineCtrl* catalogue, st
     TemporaryFolder temporary(parent);
     std::error_code code;
     if (temporary.Path().empty() || !fs::create_directory(temporary.Path() / "Bank", code)) {
-        *error = "cannot make a temporary folder in " + parent.string();
+        *error =
+            "cannot make a temporary folder in " + parent.string() + ": " + FolderProblem(parent);
         return false;
     }
     CQZRMoldingMachineIO front;
@@ -161,20 +140,55 @@ bool SameMachines(const std::vector<CQZRIM>& before, const std::vector<CQZRIM>& 
     return true;
 }
 
-bool ChooseConversion(const BankHeader& header, Conversion* conversion) {
-    if (header.form != HeaderForm::Sectioned && IsLegacyKind(header.kind)) {
+bool ChooseConversion(int kind, Conversion* conversion) {
+    if (kind == qzr::bank::OldIMMSystemBank || kind == qzr::bank::OldIMMUserBank) {
         conversion->toLegacy = false;
         conversion->targetName = "sectioned IMM user bank";
-        conversion->targetKind = BankKind::IMMUserBank;
+        conversion->targetKind = qzr::bank::IMMUserBank;
         return true;
     }
-    if (header.kind == BankKind::IMMUserBank || header.kind == BankKind::IMMSystemBankFiles) {
+    if (kind == qzr::bank::IMMUserBank || kind == qzr::bank::IMMSystemBankFiles) {
         conversion->toLegacy = true;
         conversion->targetName = "legacy user bank";
-        conversion->targetKind = BankKind::OldIMMUserBank;
+        conversion->targetKind = qzr::bank::OldIMMUserBank;
         return true;
     }
     return false;
+}
+
+// What in one text of a machine breaks its row in a legacy bank: a comma in the maker or grade,
+// an empty maker or grade, a line end, or one of the texts that the legacy loaders take for a
+// marker. Each message names the attribute.
+std::vector<std::string> LegacyTextHazards(const std::string& attribute, const std::string& value,
+                                           bool isName) {
+    std::vector<std::string> hazards;
+    const std::string named = attribute + " " + Quoted(value);
+    if (isName && value.empty()) {
+        hazards.push_back(attribute + " is empty: in a legacy bank the row's fields shift");
+    }
+    if (isName && value.find(',') != std::string::npos) {
+        hazards.push_back(named + " holds a comma: in a legacy bank it breaks the row");
+    }
+    if (value.find('\n') != std::string::npos) {
+        hazards.push_back(named + " holds a line end: in a legacy bank it splits the row");
+    }
+    struct Marker {
+        const char* text;
+        const char* effect;
+    };
+    const Marker markers[] = {
+        {"Version", "the loader takes the row for a version line and does not load it"},
+        {"TotalNo", "a legacy user bank with this row fails to load"},
+        {"Database]", "the loader takes the row for the database marker and does not load it"},
+        {"[EOF]", "the loader stops reading at this row"},
+    };
+    for (const Marker& marker : markers) {
+        if (value.find(marker.text) != std::string::npos) {
+            hazards.push_back(named + " holds " + Quoted(marker.text) + ": in a legacy bank " +
+                              marker.effect);
+        }
+    }
+    return hazards;
 }
 
 // Texts that will break the machine's row in the legacy bank about to be written.
@@ -205,18 +219,18 @@ bool SameFile(const std::string& a, const std::string& b) {
 int RunConvert(const ConvertOptions& options, std::ostream& out, std::ostream& err) {
     const std::string& input = options.input;
     const std::string& output = options.output;
-    std::string text;
-    if (!ReadBankText(input, &text)) {
-        err << "qzrbank: " << input << ": no such file\n";
+    const std::string problem = ReadProblem(input);
+    if (!problem.empty()) {
+        err << "qzrbank: " << input << ": " << problem << '\n';
         return kExitError;
     }
-    const BankHeader header = RecognizeBankHeader(text);
+    const Recognition header = RecognizeBankFile(input);
     Conversion conversion;
-    if (!header.recognized || !ChooseConversion(header, &conversion)) {
+    if (!ChooseConversion(header.kind, &conversion)) {
         err << "qzrbank: " << input << ": "
             << (header.recognized ? std::string("a bank of kind ") + BankKindName(header.kind) +
                                         "; convert takes a legacy bank or a sectioned IMM bank"
-                                  : "not a bank (" + header.problem + ")")
+                                  : std::string("not a bank (no loader recognises its header)"))
             << '\n';
         return kExitError;
     }
@@ -246,7 +260,8 @@ int RunConvert(const ConvertOptions& options, std::ostream& out, std::ostream& e
     catalogue.SetFileCreateBy("qzrbank convert");
     catalogue.SetFileRemark(
         ("Converted from " + fs::path(NativePath(input)).filename().string()).c_str());
-    std::string error = "cannot write " + output;
+    std::string error =
+        "cannot write " + output + ": " + FolderProblem(fs::path(NativePath(output)).parent_path());
     const bool saved = conversion.toLegacy ? SaveLegacy(output, &catalogue, &error)
                                            : SaveSectioned(output, &catalogue);
     if (!saved) {

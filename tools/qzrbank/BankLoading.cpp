@@ -4,7 +4,8 @@
 #include <filesystem>
 #include <system_error>
 
-#include "BankText.h"
+#include "BankFiles.h"
+#include "bank/BankKind.h"
 #include "platform/Wildcard.h"
 
 #ifndef QZRBANK_SHIPPED_BANK
@@ -24,31 +25,23 @@ struct FolderSource {
     const char* tail;
     BankLoad load;
     bool isPattern;
-    BankKind expectedKind;
 };
 
 const FolderSource kIMMSources[] = {
-    {"Machine/IMM", "Machine\\IMM\\*.bnk", BankLoad::IMMSystemFolder, true,
-     BankKind::IMMSystemBankFiles},
-    {"User-IMM.bnk", "User-IMM.bnk", BankLoad::IMMUser, false, BankKind::IMMUserBank},
-    {"system-pro.bnk", "system-pro.bnk", BankLoad::OldIMMSystem, false, BankKind::OldIMMSystemBank},
-    {"user-pro.bnk", "user-pro.bnk", BankLoad::OldIMMUser, false, BankKind::OldIMMUserBank},
+    {"Machine/IMM", "Machine\\IMM\\*.bnk", BankLoad::IMMSystemFolder, true},
+    {"User-IMM.bnk", "User-IMM.bnk", BankLoad::IMMUser, false},
+    {"system-pro.bnk", "system-pro.bnk", BankLoad::OldIMMSystem, false},
+    {"user-pro.bnk", "user-pro.bnk", BankLoad::OldIMMUser, false},
 };
 
 const FolderSource kRTMSources[] = {
-    {"Machine/RTM", "Machine\\RTM\\*.bnk", BankLoad::RTMSystemFolder, true,
-     BankKind::RTMSystemBankFiles},
-    {"User-RTMIC.bnk", "User-RTMIC.bnk", BankLoad::RTMUser, false, BankKind::RTMUserBank},
+    {"Machine/RTM", "Machine\\RTM\\*.bnk", BankLoad::RTMSystemFolder, true},
+    {"User-RTMIC.bnk", "User-RTMIC.bnk", BankLoad::RTMUser, false},
 };
 
 bool IsFolder(const std::string& path) {
     std::error_code error;
     return fs::is_directory(fs::path(NativePath(path)), error);
-}
-
-bool Exists(const std::string& path) {
-    std::error_code error;
-    return fs::exists(fs::path(NativePath(path)), error);
 }
 
 std::string WithoutTrailingSeparators(std::string path) {
@@ -70,7 +63,7 @@ std::string Join(const std::string& folder, const char* tail) {
 // in from it): the exact name, else one that differs only in letter case, which a warning
 // reports once. Empty when the folder holds neither.
 std::string FindEntry(const std::string& folder, const std::string& name,
-                      std::vector<std::string>* warnings) {
+                      std::vector<Finding>* warnings) {
     std::vector<std::string> entries;
     std::error_code error;
     for (fs::directory_iterator entry(fs::path(NativePath(folder)), error), end;
@@ -83,10 +76,11 @@ std::string FindEntry(const std::string& folder, const std::string& name,
     }
     const std::string path = Join(folder, found->c_str());
     if (*found != name) {
-        const std::string warning = NativePath(path) + ": warning: found in place of " + name +
-                                    " (names differ in letter case)";
-        if (std::find(warnings->begin(), warnings->end(), warning) == warnings->end()) {
-            warnings->push_back(warning);
+        const std::string native = NativePath(path);
+        if (std::none_of(warnings->begin(), warnings->end(),
+                         [&native](const Finding& seen) { return seen.path == native; })) {
+            warnings->push_back({native, 0, Severity::kWarning, "letter-case",
+                                 "found in place of " + name + " (names differ in letter case)"});
         }
     }
     return path;
@@ -95,7 +89,7 @@ std::string FindEntry(const std::string& folder, const std::string& name,
 // The path of a source's tail below the Bank folder, each name of it found by FindEntry (a
 // pattern's wildcard part is kept as it stands); empty when a name is missing.
 std::string FindTail(const std::string& bankFolder, const FolderSource& source,
-                     std::vector<std::string>* warnings) {
+                     std::vector<Finding>* warnings) {
     const std::string tail = source.tail;
     std::string path = bankFolder;
     for (size_t start = 0;;) {
@@ -118,53 +112,14 @@ std::string PatternFolder(const std::string& pattern) {
     return separator == std::string::npos ? std::string(".") : pattern.substr(0, separator);
 }
 
-bool HasBankExtension(const fs::path& path) {
-    std::string extension = path.extension().string();
-    for (char& c : extension) {
-        if (c >= 'A' && c <= 'Z') {
-            c = static_cast<char>(c - 'A' + 'a');
-        }
-    }
-    return extension == ".bnk";
-}
-
-// The folder load passes over files it does not accept without a word; the tool names them.
-void WarnAboutSkippedFiles(const std::string& folder, BankKind expected,
-                           std::vector<std::string>* warnings) {
-    std::error_code error;
-    std::vector<std::string> skipped;
-    for (fs::directory_iterator entry(fs::path(NativePath(folder)), error), end;
-         !error && entry != end; entry.increment(error)) {
-        if (!HasBankExtension(entry->path()) || entry->is_directory(error)) {
-            continue;
-        }
-        std::string text;
-        const BankHeader header =
-            ReadBankText(entry->path().string(), &text) ? RecognizeBankHeader(text) : BankHeader();
-        if (!header.recognized || header.kind != expected) {
-            skipped.push_back("warning: " + entry->path().string() + ": not a bank of kind " +
-                              BankKindName(expected) + "; the folder load skips it");
-        }
-    }
-    std::sort(skipped.begin(), skipped.end());
-    warnings->insert(warnings->end(), skipped.begin(), skipped.end());
-}
-
 void LoadSources(const std::string& bankFolder, const FolderSource* begin, const FolderSource* end,
-                 SourcedCatalogue* catalogue, std::vector<std::string>* warnings) {
+                 SourcedCatalogue* catalogue, std::vector<Finding>* warnings) {
     for (const FolderSource* source = begin; source != end; ++source) {
         const std::string path = FindTail(bankFolder, *source, warnings);
         if (path.empty() || (source->isPattern && !IsFolder(PatternFolder(path)))) {
             continue;
         }
-        // An empty system-bank folder matches nothing, which is no fault of the folder.
-        if (!catalogue->Load(source->load, path, source->label) && !source->isPattern) {
-            warnings->push_back("warning: " + path +
-                                ": refused by its loader (run 'qzrbank check' on it)");
-        }
-        if (source->isPattern) {
-            WarnAboutSkippedFiles(PatternFolder(path), source->expectedKind, warnings);
-        }
+        catalogue->Load(source->load, path, source->label);
     }
 }
 
@@ -183,30 +138,34 @@ std::vector<Record> MachinesOf(const CQZRMoldingMachineCtrl& catalogue) {
 
 }  // namespace
 
-bool LoadOfKind(BankKind kind, BankLoad* load) {
+bool LoadOfKind(int kind, BankLoad* load) {
     switch (kind) {
-        case BankKind::OldIMMSystemBank:
+        case qzr::bank::OldIMMSystemBank:
             *load = BankLoad::OldIMMSystem;
             return true;
-        case BankKind::OldIMMUserBank:
+        case qzr::bank::OldIMMUserBank:
             *load = BankLoad::OldIMMUser;
             return true;
-        case BankKind::IMMSystemBankFiles:
+        case qzr::bank::IMMSystemBankFiles:
             *load = BankLoad::IMMSystemFolder;
             return true;
-        case BankKind::IMMUserBank:
+        case qzr::bank::IMMUserBank:
             *load = BankLoad::IMMUser;
             return true;
-        case BankKind::RTMSystemBankFiles:
+        case qzr::bank::RTMSystemBankFiles:
             *load = BankLoad::RTMSystemFolder;
             return true;
-        case BankKind::RTMUserBank:
+        case qzr::bank::RTMUserBank:
             *load = BankLoad::RTMUser;
             return true;
-        case BankKind::NotABank:
+        default:
             break;
     }
     return false;
+}
+
+bool IsRTMLoad(BankLoad load) {
+    return load == BankLoad::RTMSystemFolder || load == BankLoad::RTMUser;
 }
 
 bool LoadBank(BankLoad load, const std::string& path, CQZRMoldingMachineCtrl* catalogue) {
@@ -264,10 +223,11 @@ int SourcedCatalogue::HighestMachineId() const {
 bool LocateBankFolder(const std::string& dir, BankFolder* folder, std::string* error) {
     const std::string base = WithoutTrailingSeparators(dir);
     if (!IsFolder(base)) {
-        *error = Exists(base) ? base + ": not a folder" : base + ": no such folder";
+        const std::string problem = StatusProblem(base);
+        *error = base + ": " + (problem.empty() ? "not a folder" : problem);
         return false;
     }
-    std::vector<std::string> warnings;
+    std::vector<Finding> warnings;
     const std::string inner = FindEntry(base, "Bank", &warnings);
     if (!inner.empty() && IsFolder(inner)) {
         folder->path = inner;
@@ -291,15 +251,19 @@ std::string ShippedBankFolder() {
 }
 
 void LoadBankFolder(const BankFolder& folder, bool loadIMM, bool loadRTM, LoadedFolder* loaded,
-                    std::vector<std::string>* warnings) {
-    warnings->insert(warnings->end(), folder.warnings.begin(), folder.warnings.end());
+                    LoadWatcher* watcher) {
+    std::vector<Finding> warnings = folder.warnings;
+    const qzr::bank::ScopedLoadObserver watch(watcher);
     if (loadIMM) {
         LoadSources(folder.path, std::begin(kIMMSources), std::end(kIMMSources), &loaded->imm,
-                    warnings);
+                    &warnings);
     }
     if (loadRTM) {
         LoadSources(folder.path, std::begin(kRTMSources), std::end(kRTMSources), &loaded->rtm,
-                    warnings);
+                    &warnings);
+    }
+    for (Finding& warning : warnings) {
+        watcher->Add(std::move(warning));
     }
 }
 

@@ -9,7 +9,7 @@
 #include <QZRMachine/QZRMoldingMachineCtrl.h>
 #include <QZRMachine/QZRMoldingMachineIO.h>
 
-#include "BankHeader.h"
+#include "LoadWatcher.h"
 
 namespace qzrbank {
 
@@ -23,9 +23,10 @@ enum class BankLoad {
     RTMUser
 };
 
-// The load that accepts files of a kind; false for NotABank. System-bank folders are loaded
-// with a pattern; a single system-bank file is its own pattern.
-bool LoadOfKind(BankKind kind, BankLoad* load);
+// The load that accepts files of a kind (a qzr::bank::BankKind value); false for -1. System-bank
+// folders are loaded with a pattern; a single system-bank file is its own pattern.
+bool LoadOfKind(int kind, BankLoad* load);
+bool IsRTMLoad(BankLoad load);
 
 // One load, by a front of its own, so that no earlier recognition can change how this file is
 // recognised (a front keeps the header values of its last recognition).
@@ -62,8 +63,8 @@ class SourcedCatalogue {
 // "Bank" (the application folder of the default bank paths), or the Bank folder itself.
 // Names are found as the library finds them, also in other letter case than these.
 struct BankFolder {
-    std::string path;                   // the Bank folder, without a trailing separator
-    std::vector<std::string> warnings;  // the folder found under a name in other letter case
+    std::string path;               // the Bank folder, without a trailing separator
+    std::vector<Finding> warnings;  // the folder found under a name in other letter case
 };
 
 // False, with a message, when dir is neither a folder holding "Bank" nor a bank folder.
@@ -72,19 +73,18 @@ bool LocateBankFolder(const std::string& dir, BankFolder* folder, std::string* e
 // The shipped examples/Bank of this source tree.
 std::string ShippedBankFolder();
 
-// Loads a bank folder the way a host does: the injection-moulding banks (the system-bank
-// folder, the sectioned user bank, the legacy system and user banks, in that order) into one
-// catalogue, the transfer-moulding banks (system-bank folder, user bank) into another. A
-// catalogue holds one kind of machine per maker, and takes its file type from the first file
-// it accepts, so the two kinds cannot share one. Missing files are passed over; files that
-// exist but are refused, and names found only in other letter case (the folder's own warnings
-// first), are reported in warnings, each a line to print after "qzrbank: ".
+// Loads a bank folder the way a host does, watched: the injection-moulding banks (the
+// system-bank folder, the sectioned user bank, the legacy system and user banks, in that order)
+// into one catalogue, the transfer-moulding banks (system-bank folder, user bank) into another.
+// A catalogue holds one kind of machine per maker, and takes its file type from the first file
+// it accepts, so the two kinds cannot share one. Missing files are passed over; names found
+// only in other letter case (the folder's own first) are warnings added to the watcher.
 struct LoadedFolder {
     SourcedCatalogue imm{false};
     SourcedCatalogue rtm{true};
 };
 void LoadBankFolder(const BankFolder& folder, bool loadIMM, bool loadRTM, LoadedFolder* loaded,
-                    std::vector<std::string>* warnings);
+                    LoadWatcher* watcher);
 
 // Every machine of a catalogue in global index order.
 std::vector<CQZRIM> IMMMachines(const CQZRMoldingMachineCtrl& catalogue);

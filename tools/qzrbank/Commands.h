@@ -1,11 +1,12 @@
 // The subcommands of qzrbank. Each writes its results to out and its errors, one line each, to
-// err, and returns the process exit code: 0 done (and, for check, nothing found), 1 a negative
-// answer (check found something, show or list found no such machine, convert could not read
-// back all it wrote), 2 an error (a missing or unreadable file, a bank no loader accepts where
-// one is needed, a bad argument).
+// err, and returns the process exit code: 0 done (and, for check, nothing found), 1 findings or
+// differences (check found something, show or list found no such machine, convert could not
+// read back all it wrote), 2 a usage or I/O error (a missing or unreadable file, a bank no
+// loader accepts where one is needed, a bad argument).
 #ifndef QZRBANK_COMMANDS_H
 #define QZRBANK_COMMANDS_H
 
+#include <istream>
 #include <optional>
 #include <ostream>
 #include <string>
@@ -33,8 +34,18 @@ struct ShowOptions {
 };
 int RunShow(const ShowOptions& options, std::ostream& out, std::ostream& err);
 
-int RunInfo(const std::vector<std::string>& files, std::ostream& out, std::ostream& err);
-int RunCheck(const std::vector<std::string>& files, std::ostream& out, std::ostream& err);
+struct InfoOptions {
+    std::vector<std::string> files;
+    std::string format = "text";  // "text", "csv" or "json"
+};
+int RunInfo(const InfoOptions& options, std::ostream& out, std::ostream& err);
+
+struct CheckOptions {
+    std::vector<std::string> targets;  // files, folders, "-" for standard input
+    std::string format = "text";       // "text", "table" or "json"
+};
+// Standard input is read from in.
+int RunCheck(const CheckOptions& options, std::istream& in, std::ostream& out, std::ostream& err);
 
 struct ConvertOptions {
     std::string input;

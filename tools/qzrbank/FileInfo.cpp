@@ -1,50 +1,26 @@
 #include "FileInfo.h"
 
-#include <filesystem>
-#include <system_error>
-
 #include <QZRMachine/QZRMoldingMachineCtrl.h>
 
 #include "BankLoading.h"
-#include "BankText.h"
-#include "SectionedFile.h"
+#include "LoadWatcher.h"
+#include "bank/sectioned/QZRFileIO.h"
 
 namespace qzrbank {
 
 namespace {
 
-// Only keys within their own section: a key that the section lacks is no text of the header,
-// even where the loaders' first-match walk would find one further down.
-void AddSectionTexts(const SectionedFile& file, const char* section,
-                     std::initializer_list<const char*> keys, FileInfo* info) {
-    const std::optional<size_t> header = file.FindSection(section);
-    if (!header) {
+constexpr int kFirstSectionedVersion = 9000;
+
+void AddFileHeaderTexts(const std::string& path, FileInfo* info) {
+    qzr::bank::CQZRFileIO file;
+    if (!file.OpenFile(path.c_str())) {
         return;
     }
-    const size_t end = file.SectionEnd(*header);
-    for (const char* key : keys) {
-        const std::optional<size_t> piece = file.FindKey(section, key);
-        if (piece && *piece < end) {
-            info->headerTexts.emplace_back(key, file.Value(*piece));
-        }
-    }
-}
-
-void AddHeaderTexts(const std::string& text, FileInfo* info) {
-    if (info->header.form == HeaderForm::Sectioned) {
-        const SectionedFile file(text);
-        AddSectionTexts(file, "[FileHeader]", {"CreateDate", "CreateBy", "Remark"}, info);
-        AddSectionTexts(file, "[General]", {"TotalMachine"}, info);
-    } else if (info->header.form == HeaderForm::LegacySystem) {
-        const std::vector<LinePiece> pieces = SplitPieces(text, kLegacyLineChars);
-        if (pieces.size() >= 3) {
-            const std::string_view third = WithoutLineEnd(pieces[2].text);
-            const size_t at = third.find("TotalNo,");
-            if (at != std::string_view::npos) {
-                const std::string_view rest = third.substr(at + 8);
-                info->headerTexts.emplace_back("TotalNo",
-                                               std::string(rest.substr(0, rest.find(','))));
-            }
+    for (const char* key : {"CreateDate", "CreateBy", "Remark"}) {
+        const char* value = nullptr;
+        if (file.GetKeyString("[FileHeader]", key, &value) == qzr::bank::CQZRFileIO::kFound) {
+            info->headerTexts.emplace_back(key, value);
         }
     }
 }
@@ -53,25 +29,32 @@ void AddHeaderTexts(const std::string& text, FileInfo* info) {
 
 FileInfo ReadFileInfo(const std::string& path) {
     FileInfo info;
-    std::string text;
-    if (!ReadBankText(path, &text)) {
-        std::error_code error;
-        const std::filesystem::path native(NativePath(path));
-        info.error = !std::filesystem::exists(native, error)        ? "no such file"
-                     : std::filesystem::is_directory(native, error) ? "is a folder, not a file"
-                                                                    : "cannot be read";
+    info.error = ReadProblem(path);
+    if (!info.error.empty()) {
         return info;
     }
-    info.readable = true;
-    info.header = RecognizeBankHeader(text);
+    info.header = RecognizeBankFile(path);
     BankLoad load = BankLoad::OldIMMSystem;
-    if (!info.header.recognized || !LoadOfKind(info.header.kind, &load)) {
+    if (!LoadOfKind(info.header.kind, &load)) {
         return info;
     }
+    LoadWatcher watcher;
     CQZRMoldingMachineCtrl catalogue;
-    info.loadAccepted = LoadBank(load, path, &catalogue);
+    {
+        const qzr::bank::ScopedLoadObserver watch(&watcher);
+        info.loadAccepted = LoadBank(load, path, &catalogue);
+    }
     info.machines = catalogue.GetTotalMachine();
-    AddHeaderTexts(text, &info);
+    const bool sectioned = info.header.version >= kFirstSectionedVersion;
+    if (sectioned) {
+        AddFileHeaderTexts(path, &info);
+    }
+    for (const WatchedFile& file : watcher.Files()) {
+        if (file.hasDeclared) {
+            info.headerTexts.emplace_back(sectioned ? "TotalMachine" : "TotalNo",
+                                          std::to_string(file.declared));
+        }
+    }
     return info;
 }
 

@@ -7,18 +7,18 @@
 #include <utility>
 #include <vector>
 
-#include "BankHeader.h"
+#include "BankFiles.h"
 
 namespace qzrbank {
 
 struct FileInfo {
-    bool readable = false;
-    std::string error;  // when not readable
-    BankHeader header;
-    int machines = 0;           // as the loader of the file's kind reads them
+    std::string error;  // why the file cannot be read; empty when it can
+    Recognition header;
+    long machines = 0;          // as the loader of the file's kind reads them
     bool loadAccepted = false;  // the loader's own result
-    // Header texts in file order: "CreateDate", "CreateBy", "Remark", "TotalMachine" of a
-    // sectioned bank, "TotalNo" of a legacy system bank.
+    // Header texts: "CreateDate", "CreateBy", "Remark" of a sectioned bank as its lookups find
+    // them, and the machine count the header declares ("TotalMachine" of a sectioned bank,
+    // "TotalNo" of a legacy system bank).
     std::vector<std::pair<std::string, std::string>> headerTexts;
 };
 

@@ -1,11 +1,17 @@
-// qzrbank info and qzrbank check: one block or one verdict per file.
-#include "BankChecker.h"
+// qzrbank info: per file the bank kind, header values, machines and header texts, as text
+// blocks, CSV or JSON.
+#include <algorithm>
+
 #include "Commands.h"
 #include "FileInfo.h"
+#include "TextTable.h"
 
 namespace qzrbank {
 
 namespace {
+
+const char* const kHeaderTextKeys[] = {"CreateDate", "CreateBy", "Remark", "TotalMachine",
+                                       "TotalNo"};
 
 std::string Described(int value, const char* zero, const char* one) {
     const std::string number = std::to_string(value);
@@ -20,12 +26,12 @@ std::string Described(int value, const char* zero, const char* one) {
 
 void PrintInfo(std::ostream& out, const std::string& path, const FileInfo& info) {
     std::vector<std::pair<std::string, std::string>> lines;
-    const BankHeader& header = info.header;
+    const Recognition& header = info.header;
     if (!header.recognized) {
-        lines.emplace_back("Kind", "not a bank (" + header.problem + ")");
+        lines.emplace_back("Kind", "not a bank (no loader recognises its header)");
     } else {
         lines.emplace_back("Kind", std::string(BankKindName(header.kind)) + " (" +
-                                       std::to_string(static_cast<int>(header.kind)) + ")");
+                                       std::to_string(header.kind) + ")");
         lines.emplace_back("Version", Described(header.version, nullptr, nullptr));
         lines.emplace_back("Format", Described(header.format, "system bank", "user bank"));
         lines.emplace_back("Type",
@@ -45,47 +51,77 @@ void PrintInfo(std::ostream& out, const std::string& path, const FileInfo& info)
     }
 }
 
+std::string HeaderText(const FileInfo& info, const std::string& key) {
+    for (const auto& text : info.headerTexts) {
+        if (text.first == key) {
+            return text.second;
+        }
+    }
+    return {};
+}
+
+void PrintInfoRecords(std::ostream& out, const std::string& format,
+                      const std::vector<std::pair<std::string, FileInfo>>& infos) {
+    TextTable table;
+    table.header = {"Path", "Kind", "Version", "Format", "Type", "Machines", "LoaderFails"};
+    table.header.insert(table.header.end(), std::begin(kHeaderTextKeys), std::end(kHeaderTextKeys));
+    nlohmann::ordered_json json = nlohmann::ordered_json::array();
+    for (const auto& [path, info] : infos) {
+        const Recognition& header = info.header;
+        const bool fails = header.recognized && !info.loadAccepted;
+        std::vector<std::string> row = {path,
+                                        BankKindName(header.kind),
+                                        std::to_string(header.version),
+                                        std::to_string(header.format),
+                                        std::to_string(header.type),
+                                        std::to_string(info.machines),
+                                        fails ? "yes" : "no"};
+        nlohmann::ordered_json record = {{"path", path},
+                                         {"kind", BankKindName(header.kind)},
+                                         {"version", header.version},
+                                         {"format", header.format},
+                                         {"type", header.type},
+                                         {"machines", info.machines},
+                                         {"loaderFails", fails}};
+        for (const char* key : kHeaderTextKeys) {
+            row.push_back(HeaderText(info, key));
+        }
+        for (const auto& text : info.headerTexts) {
+            record[text.first] = text.second;
+        }
+        table.rows.push_back(std::move(row));
+        json.push_back(std::move(record));
+    }
+    if (format == "json") {
+        out << JsonText(json) << '\n';
+    } else {
+        PrintCsv(out, table);
+    }
+}
+
 }  // namespace
 
-int RunInfo(const std::vector<std::string>& files, std::ostream& out, std::ostream& err) {
+int RunInfo(const InfoOptions& options, std::ostream& out, std::ostream& err) {
     int result = kExitOk;
-    bool first = true;
-    for (const std::string& path : files) {
-        const FileInfo info = ReadFileInfo(path);
-        if (!info.readable) {
+    std::vector<std::pair<std::string, FileInfo>> infos;
+    for (const std::string& path : options.files) {
+        FileInfo info = ReadFileInfo(path);
+        if (!info.error.empty()) {
             err << "qzrbank: " << path << ": " << info.error << '\n';
             result = kExitError;
             continue;
         }
-        if (!first) {
-            out << '\n';
-        }
-        first = false;
-        PrintInfo(out, path, info);
+        infos.emplace_back(path, std::move(info));
+    }
+    if (options.format != "text") {
+        PrintInfoRecords(out, options.format, infos);
+        return result;
+    }
+    for (size_t i = 0; i < infos.size(); ++i) {
+        out << (i > 0 ? "\n" : "");
+        PrintInfo(out, infos[i].first, infos[i].second);
     }
     return result;
-}
-
-int RunCheck(const std::vector<std::string>& files, std::ostream& out, std::ostream& err) {
-    bool anyError = false;
-    bool anyFinding = false;
-    for (const std::string& path : files) {
-        const CheckReport report = CheckBankFile(path);
-        if (!report.readable) {
-            err << "qzrbank: " << path << ": " << report.error << '\n';
-            anyError = true;
-            continue;
-        }
-        for (const Finding& finding : report.findings) {
-            out << path << ':' << finding.line << ": " << finding.message << '\n';
-        }
-        if (report.findings.empty()) {
-            out << path << ": clean, " << report.machinesLoaded
-                << (report.machinesLoaded == 1 ? " machine loads" : " machines load") << '\n';
-        }
-        anyFinding = anyFinding || !report.findings.empty();
-    }
-    return anyError ? kExitError : anyFinding ? kExitNegative : kExitOk;
 }
 
 }  // namespace qzrbank

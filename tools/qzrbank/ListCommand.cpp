@@ -2,8 +2,8 @@
 #include <filesystem>
 #include <system_error>
 
+#include "BankFiles.h"
 #include "BankLoading.h"
-#include "BankText.h"
 #include "Commands.h"
 #include "MachineDetails.h"
 #include "Numbers.h"
@@ -172,9 +172,15 @@ bool FindMachine(const SourcedCatalogue& sourced, const ShowOptions& options, co
     return true;
 }
 
-bool IsFolder(const std::string& path) {
-    std::error_code error;
-    return std::filesystem::is_directory(std::filesystem::path(NativePath(path)), error);
+// What a folder load passed over or found under another name; the rest of what the loads did
+// is the checker's to tell.
+void PrintLoadWarnings(const LoadWatcher& watcher, std::ostream& err) {
+    for (const Finding& finding : watcher.Findings()) {
+        if (finding.code == "letter-case" || finding.code == "file-skipped" ||
+            finding.code == "load-fails") {
+            err << "qzrbank: " << Location(finding) << ": warning: " << finding.message << '\n';
+        }
+    }
 }
 
 }  // namespace
@@ -190,22 +196,15 @@ int RunList(const ListOptions& options, std::ostream& out, std::ostream& err) {
     const bool imm = options.kind != "rtm";
     const bool rtm = options.kind != "imm";
     LoadedFolder loaded;
-    std::vector<std::string> warnings;
-    LoadBankFolder(folder, imm, rtm, &loaded, &warnings);
-    for (const std::string& warning : warnings) {
-        err << "qzrbank: " << warning << '\n';
-    }
+    LoadWatcher watcher;
+    LoadBankFolder(folder, imm, rtm, &loaded, &watcher);
+    PrintLoadWarnings(watcher, err);
     std::vector<MakerGroup> groups;
     if (imm) {
         CollectGroups<CQZRIM>(loaded.imm, options.maker, &groups);
     }
     if (rtm) {
         CollectGroups<CQZRRTM>(loaded.rtm, options.maker, &groups);
-    }
-    if (options.maker && groups.empty()) {
-        err << "qzrbank: no machine of maker \"" << *options.maker << "\" in " << folder.path
-            << '\n';
-        return kExitNegative;
     }
     if (options.format == "json") {
         out << JsonText(ListJson(groups)) << '\n';
@@ -218,39 +217,41 @@ int RunList(const ListOptions& options, std::ostream& out, std::ostream& err) {
             << table.rows.size() << (table.rows.size() == 1 ? " machine of " : " machines of ")
             << groups.size() << (groups.size() == 1 ? " maker" : " makers") << '\n';
     }
+    if (options.maker && groups.empty()) {
+        err << "qzrbank: no machine of maker \"" << *options.maker << "\" in " << folder.path
+            << '\n';
+        return kExitNegative;
+    }
     return kExitOk;
 }
 
 int RunShow(const ShowOptions& options, std::ostream& out, std::ostream& err) {
     LoadedFolder loaded;
-    if (IsFolder(options.bank)) {
+    const std::string problem = ReadProblem(options.bank);
+    if (problem == "is a folder") {
         BankFolder folder;
         std::string error;
         if (!LocateBankFolder(options.bank, &folder, &error)) {
             err << "qzrbank: " << error << '\n';
             return kExitError;
         }
-        std::vector<std::string> warnings;
-        LoadBankFolder(folder, true, true, &loaded, &warnings);
-        for (const std::string& warning : warnings) {
-            err << "qzrbank: " << warning << '\n';
-        }
+        LoadWatcher watcher;
+        LoadBankFolder(folder, true, true, &loaded, &watcher);
+        PrintLoadWarnings(watcher, err);
+    } else if (!problem.empty()) {
+        err << "qzrbank: " << options.bank << ": " << problem << '\n';
+        return kExitError;
     } else {
-        std::string text;
-        if (!ReadBankText(options.bank, &text)) {
-            err << "qzrbank: " << options.bank << ": no such file or folder\n";
-            return kExitError;
-        }
-        const BankHeader header = RecognizeBankHeader(text);
         BankLoad load = BankLoad::OldIMMSystem;
-        if (!header.recognized || !LoadOfKind(header.kind, &load)) {
-            err << "qzrbank: " << options.bank << ": not a bank (" << header.problem << ")\n";
+        if (!LoadOfKind(RecognizeBankFile(options.bank).kind, &load)) {
+            err << "qzrbank: " << options.bank
+                << ": not a bank (no loader recognises its header)\n";
             return kExitError;
         }
-        const bool rtm = load == BankLoad::RTMSystemFolder || load == BankLoad::RTMUser;
-        SourcedCatalogue& catalogue = rtm ? loaded.rtm : loaded.imm;
+        SourcedCatalogue& catalogue = IsRTMLoad(load) ? loaded.rtm : loaded.imm;
         if (!catalogue.Load(load, options.bank, options.bank)) {
-            err << "qzrbank: " << options.bank << ": refused by its loader\n";
+            err << "qzrbank: " << options.bank
+                << ": refused by its loader (run 'qzrbank check' on it)\n";
             return kExitError;
         }
     }

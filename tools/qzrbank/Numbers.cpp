@@ -6,17 +6,6 @@
 
 namespace qzrbank {
 
-// The loaders' own conversions, which want a terminated text.
-bool ScanInt(std::string_view text, int* value) {
-    const std::string copy(text);
-    return qzr::platform::ScanInt(copy.c_str(), value);
-}
-
-bool ScanReal(std::string_view text, double* value) {
-    const std::string copy(text);
-    return qzr::platform::ScanDouble(copy.c_str(), value);
-}
-
 std::string FormatNumber(double value) {
     if (std::isnan(value)) {
         return "nan";

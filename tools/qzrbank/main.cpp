@@ -1,23 +1,96 @@
-// qzrbank: lists, shows, describes, checks and converts the bank files of QZRMachine. This file
-// only reads the command line; the work is done by the functions of Commands.h.
+// qzrbank: lists, shows, describes (info), checks and converts the bank files of QZRMachine.
+// This file only reads the command line and writes the output; the work is done by the
+// functions of Commands.h.
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
 #include <iostream>
+#include <sstream>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include <CLI/CLI.hpp>
 
 #include "Commands.h"
 
+namespace {
+
+const char* const kCommands[] = {"list", "show", "info", "check", "convert"};
+
+// Letters to insert, delete or replace to turn one word into the other.
+size_t EditDistance(const std::string& a, const std::string& b) {
+    std::vector<size_t> row(b.size() + 1);
+    for (size_t j = 0; j <= b.size(); ++j) {
+        row[j] = j;
+    }
+    for (size_t i = 1; i <= a.size(); ++i) {
+        size_t diagonal = row[0];
+        row[0] = i;
+        for (size_t j = 1; j <= b.size(); ++j) {
+            const size_t above = row[j];
+            row[j] = std::min({row[j] + 1, row[j - 1] + 1, diagonal + (a[i - 1] != b[j - 1])});
+            diagonal = above;
+        }
+    }
+    return row[b.size()];
+}
+
+// The error for a first argument that is no command, with the nearest command when one is
+// close; empty when the argument is a command or an option.
+std::string UnknownCommand(const std::string& word) {
+    if (word.empty() || word[0] == '-' ||
+        std::find(std::begin(kCommands), std::end(kCommands), word) != std::end(kCommands)) {
+        return {};
+    }
+    const char* nearest = *std::min_element(
+        std::begin(kCommands), std::end(kCommands), [&word](const char* a, const char* b) {
+            return EditDistance(word, a) < EditDistance(word, b);
+        });
+    const bool close = EditDistance(word, nearest) <= (word.size() + 1) / 2 ||
+                       std::string(nearest).rfind(word, 0) == 0;
+    return "unknown command '" + word + "'" +
+           (close ? std::string("; did you mean '") + nearest + "'?" : std::string()) +
+           " (see qzrbank --help)";
+}
+
+// "--format", one of the given names; the first is the default.
+void AddFormatOption(CLI::App* command, std::string* format, std::vector<std::string> names) {
+    std::string help;
+    for (const std::string& name : names) {
+        help += (help.empty() ? "" : ", ") + name;
+    }
+    command->add_option("--format", *format, help + " (default " + names.front() + ")")
+        ->check(CLI::IsMember(std::move(names)));
+}
+
+// Writes what a command gave for standard output; every byte must reach it.
+int Finished(int exitCode, const std::string& output) {
+    errno = 0;
+    if (std::fwrite(output.data(), 1, output.size(), stdout) != output.size() ||
+        std::fflush(stdout) != 0) {
+        std::cerr << "qzrbank: standard output: "
+                  << (errno != 0 ? std::generic_category().message(errno) : "write error") << '\n';
+        return qzrbank::kExitError;
+    }
+    return exitCode;
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
-    CLI::App app{"qzrbank: list, show, describe, check and convert QZRMachine bank files"};
+    CLI::App app{"qzrbank: list, show, info, check and convert QZRMachine bank files", "qzrbank"};
     // Paths are arguments on every platform: CLI11 would otherwise read "/data/Bank" on
     // Windows as an option named "data/Bank". Subcommands copy the setting when they are added;
     // each is also set below, so that moving this line cannot bring the fault back.
     app.allow_windows_style_options(false);
     app.require_subcommand(1);
+    app.set_version_flag("--version", "qzrbank " QZRBANK_VERSION);
     app.footer(
-        "Exit codes: 0 done (check: nothing found), 1 check found something or no such machine,\n"
-        "2 an error (missing or unreadable file, bad argument). See tools/README.md.");
+        "Exit codes: 0 done (check: nothing found); 1 findings or differences (check found\n"
+        "something, show or list --maker found no such machine, convert could not read back\n"
+        "every machine); 2 a usage or I/O error (bad argument, missing or unreadable file,\n"
+        "failed write). See tools/README.md.");
 
     qzrbank::ListOptions list;
     std::string bankDir;
@@ -29,25 +102,29 @@ int main(int argc, char** argv) {
     listCommand->add_option("--kind", list.kind, "imm, rtm or all")
         ->check(CLI::IsMember({"imm", "rtm", "all"}));
     listCommand->add_option("--maker", maker, "only this maker (case is ignored)");
-    listCommand->add_option("--format", list.format, "table, csv or json")
-        ->check(CLI::IsMember({"table", "csv", "json"}));
+    AddFormatOption(listCommand, &list.format, {"table", "csv", "json"});
 
     qzrbank::ShowOptions show;
     CLI::App* showCommand = app.add_subcommand("show", "every attribute of one machine");
     showCommand->add_option("BANK", show.bank, "a bank file or a bank folder")->required();
     showCommand->add_option("MAKER", show.maker, "the maker")->required();
     showCommand->add_option("GRADE", show.grade, "the grade")->required();
-    showCommand->add_option("--format", show.format, "text or json")
-        ->check(CLI::IsMember({"text", "json"}));
+    AddFormatOption(showCommand, &show.format, {"text", "json"});
 
-    std::vector<std::string> infoFiles;
-    CLI::App* infoCommand = app.add_subcommand("info", "bank kind, header and machine count");
-    infoCommand->add_option("FILE", infoFiles, "bank files")->required();
+    qzrbank::InfoOptions info;
+    CLI::App* infoCommand =
+        app.add_subcommand("info", "describe bank files: kind, header and machine count");
+    infoCommand->add_option("FILE", info.files, "bank files")->required();
+    AddFormatOption(infoCommand, &info.format, {"text", "csv", "json"});
 
-    std::vector<std::string> checkFiles;
-    CLI::App* checkCommand =
-        app.add_subcommand("check", "report what the loaders skip or misread, line by line");
-    checkCommand->add_option("FILE", checkFiles, "bank files")->required();
+    qzrbank::CheckOptions check;
+    CLI::App* checkCommand = app.add_subcommand(
+        "check",
+        "report what the loaders skip, stop at or change, as PATH:LINE: severity: message");
+    checkCommand
+        ->add_option("FILE", check.targets, "bank files, bank folders, or - for standard input")
+        ->required();
+    AddFormatOption(checkCommand, &check.format, {"text", "table", "json"});
 
     qzrbank::ConvertOptions convert;
     CLI::App* convertCommand = app.add_subcommand(
@@ -61,19 +138,29 @@ int main(int argc, char** argv) {
         command->allow_windows_style_options(false);
     }
 
+    if (argc > 1) {
+        const std::string unknown = UnknownCommand(argv[1]);
+        if (!unknown.empty()) {
+            std::cerr << "qzrbank: " << unknown << '\n';
+            return qzrbank::kExitError;
+        }
+    }
     try {
         app.parse(argc, argv);
-    } catch (const CLI::CallForHelp& help) {
-        return app.exit(help);
-    } catch (const CLI::CallForAllHelp& help) {
-        return app.exit(help);
     } catch (const CLI::ParseError& error) {
+        if (error.get_exit_code() == 0) {
+            std::ostringstream out;
+            const int code = app.exit(error, out, std::cerr);
+            return Finished(code, out.str());  // --help, --version
+        }
         std::cerr << "qzrbank: " << error.what() << " (see qzrbank --help)\n";
         return qzrbank::kExitError;
     }
 
     // Nothing below is expected to throw; should memory run out or a file system call throw
     // after all, the user still gets one line and an error exit.
+    std::ostringstream out;
+    int code = qzrbank::kExitError;
     try {
         if (listCommand->parsed()) {
             if (!bankDir.empty()) {
@@ -82,20 +169,19 @@ int main(int argc, char** argv) {
             if (listCommand->count("--maker") > 0) {
                 list.maker = maker;
             }
-            return qzrbank::RunList(list, std::cout, std::cerr);
+            code = qzrbank::RunList(list, out, std::cerr);
+        } else if (showCommand->parsed()) {
+            code = qzrbank::RunShow(show, out, std::cerr);
+        } else if (infoCommand->parsed()) {
+            code = qzrbank::RunInfo(info, out, std::cerr);
+        } else if (checkCommand->parsed()) {
+            code = qzrbank::RunCheck(check, std::cin, out, std::cerr);
+        } else {
+            code = qzrbank::RunConvert(convert, out, std::cerr);
         }
-        if (showCommand->parsed()) {
-            return qzrbank::RunShow(show, std::cout, std::cerr);
-        }
-        if (infoCommand->parsed()) {
-            return qzrbank::RunInfo(infoFiles, std::cout, std::cerr);
-        }
-        if (checkCommand->parsed()) {
-            return qzrbank::RunCheck(checkFiles, std::cout, std::cerr);
-        }
-        return qzrbank::RunConvert(convert, std::cout, std::cerr);
     } catch (const std::exception& error) {
         std::cerr << "qzrbank: " << error.what() << '\n';
-        return qzrbank::kExitError;
+        code = qzrbank::kExitError;
     }
+    return Finished(code, out.str());
 }
