@@ -32,14 +32,12 @@ void FillSource(CQZRMoldingMachineCtrl& c) {
     ASSERT_TRUE(Add(c, IM("ACME", "X-2")));
     c.SetFileType(1);
     ASSERT_TRUE(Add(c, RTM("GAMMA", "R-1")));
-    c.SetFileVersion(9000);
-    c.SetFileFormat(1);
-    c.SetFileName("source");
-    c.SetFileDate("2001-02-03");
-    c.SetFileCreateBy("tester");
+    // clang-format off
+    c.SetFileVersion(9000); c.SetFileFormat(1); c.SetFileName("source");
+    c.SetFileDate("2001-02-03"); c.SetFileCreateBy("tester"); c.SetFileRemark("remark");
     c.SetFileRelease(nullptr);  // stored as the empty text
-    c.SetFileRemark("remark");
     c.SetDatabaseInitialize(true);
+    // clang-format on
 }
 
 // A copy, constructed or assigned over other content, holds everything of its source and lives
@@ -77,15 +75,11 @@ TEST(CatalogueLifecycle, AbsentStoreResultTable) {
     FailNextStoreCreations(1);
     CQZRMoldingMachineCtrl c;
     ASSERT_EQ(CQZRMoldingMachineCtrlAccess::Store(c), nullptr);
-    c.SetFileVersion(1);
-    c.SetFileFormat(1);
-    c.SetFileType(1);
-    c.SetFileName("n");
-    c.SetFileDate("d");
-    c.SetFileCreateBy("c");
-    c.SetFileRelease("r");
-    c.SetFileRemark("m");
+    // clang-format off
+    c.SetFileVersion(1); c.SetFileFormat(1); c.SetFileType(1); c.SetFileName("n");
+    c.SetFileDate("d"); c.SetFileCreateBy("c"); c.SetFileRelease("r"); c.SetFileRemark("m");
     c.SetDatabaseInitialize(true);
+    // clang-format on
     CQZRIM im = IM("ACME", "X-1");
     CQZRRTM rtm = RTM("ACME", "R-1");
     const struct {

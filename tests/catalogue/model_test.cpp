@@ -235,40 +235,39 @@ TEST(CatalogueModel, RandomEditSequencesMatchThePlainModel) {
                     position >= 0 && position < static_cast<int>(model.groups.size());
                 EXPECT_EQ(catalogue->RemoveCurrentMaker(position),
                           model.RemoveGroup(inRange ? &model.groups[position] : nullptr));
-            } else if (action == 12) {  // overwrites every field, the machine id included
-                rtm.SetMachineID(id + 100);
-                im.SetMachineID(id + 100);
-                Machine* target = model.First([&](const Group& g, const Machine& m) {
-                    return g.transfer == transfer && m.id == id;
-                });
-                EXPECT_EQ(transfer ? catalogue->SetMachineData(id, rtm)
-                                   : catalogue->SetMachineData(id, im),
-                          target != nullptr);
-                if (target != nullptr) {
-                    *target = {maker, grade, id + 100};
-                }
-            } else if (action == 13) {
+            } else if (action <
+                       14) {  // by machine id or by global index; the id is overwritten too
+                const bool byIndex = action == 13;
                 const int index = pick(model.Total() + 1);
-                Group* owner = nullptr;
                 int seen = 0;
+                Group* owner = nullptr;
                 Machine* target = model.First(
-                    [&](const Group&, const Machine&) { return seen++ == index; }, &owner);
+                    [&](const Group& g, const Machine& m) {
+                        return byIndex ? seen++ == index : g.transfer == transfer && m.id == id;
+                    },
+                    &owner);
                 const bool fits = target != nullptr && owner->transfer == transfer;
-                EXPECT_EQ(transfer ? catalogue->SetCurrentMachineData(index, rtm)
-                                   : catalogue->SetCurrentMachineData(index, im),
+                im.SetMachineID(id + 100);
+                rtm.SetMachineID(id + 100);
+                EXPECT_EQ(byIndex ? (transfer ? catalogue->SetCurrentMachineData(index, rtm)
+                                              : catalogue->SetCurrentMachineData(index, im))
+                                  : (transfer ? catalogue->SetMachineData(id, rtm)
+                                              : catalogue->SetMachineData(id, im)),
                           fits);
                 if (fits) {
-                    *target = {maker, grade, -1};
+                    *target = {maker, grade, id + 100};
                 }
             } else if (action == 14) {
                 model = Model{{}, -1, false, model.machineCounter, model.makerCounter};
                 EXPECT_TRUE(catalogue->RemoveAllMaker());
-            } else if (action == 15) {  // go on with a copy: its indexes start afresh
-                catalogue = std::make_unique<CQZRMoldingMachineCtrl>(*catalogue);
-            } else {
-                auto assigned = std::make_unique<CQZRMoldingMachineCtrl>();
-                *assigned = *catalogue;
-                catalogue = std::move(assigned);
+            } else {  // go on with a copy, constructed or assigned: its indexes start afresh
+                auto copy = std::make_unique<CQZRMoldingMachineCtrl>();
+                if (action == 15) {
+                    copy = std::make_unique<CQZRMoldingMachineCtrl>(*catalogue);
+                } else {
+                    *copy = *catalogue;
+                }
+                catalogue = std::move(copy);
             }
             ExpectMatches(*catalogue, model, step % 2 == 1);
         }

@@ -1,5 +1,6 @@
-// Enumeration rules (wildcards against a naive matcher, NTFS order), and the Env of the platform:
-// listing, backslash paths, and copies that never destroy their source.
+// Enumeration rules (wildcards against a naive matcher, NTFS order, names found in other letter
+// case), and the Env of the platform: listing, backslash paths, and copies that never destroy
+// their source.
 #include <gtest/gtest.h>
 
 #include <cctype>
@@ -66,6 +67,38 @@ TEST(Wildcard, NtfsOrder) {
     EXPECT_EQ(names, expected);
 }
 
+// Which entry of a folder stands in for a name asked for in other letter case, as Windows finds
+// names.
+TEST(LetterCase, WhichEntryStandsInForAName) {
+    const struct {
+        const char* label;
+        const char* name;
+        std::vector<std::string> entries;  // in the order a folder gives them
+        const char* expected;              // null: none
+    } rows[] = {
+        {"the exact name wins",
+         "User-IMM.bnk",
+         {"USER-IMM.BNK", "user-imm.bnk", "User-IMM.bnk"},
+         "User-IMM.bnk"},
+        {"else the first listed: capitals sort first",
+         "User-IMM.bnk",
+         {"user-imm.bnk", "User-Imm.bnk", "USER-imm.bnk"},
+         "USER-imm.bnk"},
+        {"only the letter case may differ",
+         "User-IMM.bnk",
+         {"User-IMM.bnk.bak", "User-IMM.bn"},
+         nullptr},
+        {"only ASCII letters fold", "\xC4rger.bnk", {"\xE4rger.bnk"}, nullptr},
+        {"punctuation 0x20 apart does not fold", "Bank@1", {"bank`1"}, nullptr},
+    };
+    for (const auto& row : rows) {
+        const std::string* found = FindEntryIgnoringCase(row.name, row.entries);
+        EXPECT_EQ(found != nullptr ? *found : "(none)",
+                  row.expected != nullptr ? row.expected : "(none)")
+            << row.label;
+    }
+}
+
 using test::TempFolder;
 
 bool WriteFile(const std::string& path, WriteMode mode, const std::string& bytes) {
@@ -79,19 +112,24 @@ TEST(Env, ListMatchesInNtfsOrder) {
         folder.WriteBytes(name, "");
     }
     folder.MakeFolder("sub.bnk");  // folders that match are listed too
+    folder.MakeFolder("bank/machine/imm");
+    folder.WriteBytes("bank/machine/imm/quillner.bnk", "");
     const std::string dir = folder.path() + "/";
     const struct {
-        std::string folder;  // kept in every path as given, backslashes included
+        std::string folder;  // kept in every path as given, backslashes and letter case included
         const char* name;
         std::vector<std::string> names;  // empty: false, nothing listed
     } rows[] = {
         {dir, "*.bnk", {"A.BNK", "b.bnk", "sub.bnk", "Z.bnk", "_x.bnk"}},
         {dir,
          "*",
-         {".", "..", "A.BNK", "b.bnk", "c.txt", "d.bnk.bak", "sub.bnk", "Z.bnk", "_x.bnk"}},
+         {".", "..", "A.BNK", "b.bnk", "bank", "c.txt", "d.bnk.bak", "sub.bnk", "Z.bnk", "_x.bnk"}},
         {folder.path() + "\\", "?.BnK", {"A.BNK", "b.bnk", "Z.bnk"}},
         {dir, "*.xyz", {}},
         {dir + "nowhere/", "*.bnk", {}},
+        {folder.path() + "\\Bank\\Machine\\IMM\\",
+         "*.bnk",
+         {"quillner.bnk"}},  // found in other case
     };
     for (const auto& row : rows) {
         std::vector<std::string> expected;
