@@ -76,20 +76,15 @@ TEST(LetterCase, WhichEntryStandsInForAName) {
         std::vector<std::string> entries;  // in the order a folder gives them
         const char* expected;              // null: none
     } rows[] = {
-        {"the exact name wins",
-         "User-IMM.bnk",
-         {"USER-IMM.BNK", "user-imm.bnk", "User-IMM.bnk"},
+        // clang-format off
+        {"the exact name wins", "User-IMM.bnk", {"USER-IMM.BNK", "user-imm.bnk", "User-IMM.bnk"},
          "User-IMM.bnk"},
-        {"else the first listed: capitals sort first",
-         "User-IMM.bnk",
-         {"user-imm.bnk", "User-Imm.bnk", "USER-imm.bnk"},
-         "USER-imm.bnk"},
-        {"only the letter case may differ",
-         "User-IMM.bnk",
-         {"User-IMM.bnk.bak", "User-IMM.bn"},
-         nullptr},
+        {"else the first listed: capitals sort first", "User-IMM.bnk",
+         {"user-imm.bnk", "User-Imm.bnk", "USER-imm.bnk"}, "USER-imm.bnk"},
+        {"only the letter case may differ", "User-IMM.bnk", {"User-IMM.bnk.bak", "User-IMM.bn"}, nullptr},
         {"only ASCII letters fold", "\xC4rger.bnk", {"\xE4rger.bnk"}, nullptr},
         {"punctuation 0x20 apart does not fold", "Bank@1", {"bank`1"}, nullptr},
+        // clang-format on
     };
     for (const auto& row : rows) {
         const std::string* found = FindEntryIgnoringCase(row.name, row.entries);
