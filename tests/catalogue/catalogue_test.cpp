@@ -15,40 +15,6 @@ using catalogue_test::IM;
 using catalogue_test::Picture;
 using catalogue_test::RTM;
 
-// A catalogue without machines restarts machine ids at 1, one without groups maker ids; both
-// counters are shared by every catalogue of the process. A maker joins its group whatever its
-// case (the group keeps the first spelling); a trailing blank makes another maker.
-TEST(CatalogueAdding, IdRules) {
-    CQZRMoldingMachineCtrl catalogue;
-    CQZRIM first = IM("ACME", "A-1");
-    ASSERT_TRUE(catalogue.AddMachine(first));
-    EXPECT_EQ(first.GetMachineID(), 1);
-    EXPECT_EQ(first.GetMakerID(), 1);
-    first.SetGrade("changed");  // the catalogue holds its own copy
-    ASSERT_TRUE(Add(catalogue, IM("acme", "A-2")));
-    ASSERT_TRUE(Add(catalogue, IM("ACME ", "B-1")));
-    EXPECT_EQ(Picture(catalogue), "ACME#1[A-1:1 A-2:2] ACME #2[B-1:3]");
-
-    for (int id = 1; id <= 3; ++id) {
-        ASSERT_TRUE(catalogue.RemoveMachine(id));
-    }
-    ASSERT_TRUE(Add(catalogue, IM("GAMMA", "G-1")));
-    ASSERT_TRUE(Add(catalogue, IM("Acme", "A-3")));
-    EXPECT_EQ(Picture(catalogue), "ACME#1[A-3:2] ACME #2() GAMMA#3[G-1:1]");
-
-    CQZRMoldingMachineCtrl other;  // without groups: both shared counters restart
-    ASSERT_TRUE(Add(other, IM("OMEGA", "O-1")));
-    CQZRIM delta = IM("DELTA", "D-1");
-    ASSERT_TRUE(catalogue.AddMachine(delta));
-    EXPECT_EQ(delta.GetMachineID(), 2);
-    EXPECT_EQ(delta.GetMakerID(), 2);  // a host walking by ids now sees "ACME " twice
-    EXPECT_EQ(Picture(catalogue), "ACME#1[A-3:2] ACME #2() GAMMA#3[G-1:1] ACME #2()");
-
-    ASSERT_TRUE(catalogue.RemoveAllMaker());
-    ASSERT_TRUE(Add(catalogue, IM("BETA", "B-2")));
-    EXPECT_EQ(Picture(catalogue), "BETA#1[B-2:1]");
-}
-
 // With the help of a second catalogue restarting the shared counters: the transfer-moulding group
 // RTMCO and the later injection-moulding group LATE share maker id 2, their machines machine id 2.
 TEST(CatalogueQueries, LookupsStopAtTheFirstMatchButMachineIdsWalkOn) {
