@@ -40,18 +40,9 @@ std::string Hex(uint64_t bits) {
     return text;
 }
 
-// A text as a failure message shows it: control bytes escaped, a long text cut short.
+// A text as a failure message shows it, control bytes escaped.
 std::string Shown(const std::string& text) {
-    std::string shown = "'";
-    for (const char c : text.substr(0, 40)) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte < 32 || byte > 126) {
-            shown += "\\x" + Hex(byte).substr(16);
-        } else {
-            shown += c;
-        }
-    }
-    return shown + (text.size() > 40 ? "...' (" + std::to_string(text.size()) + " bytes)" : "'");
+    return ::testing::PrintToString(text);
 }
 
 // Our writer of a printf format: "%lf", "%6.2f", "%lg" or "%.<precision>g".
