@@ -295,14 +295,6 @@ bool CQZRMoldingMachineDatabase::AdoptMachine(std::unique_ptr<CQZRRTM> machine) 
     return AddRecord(record, std::move(machine));
 }
 
-bool CQZRMoldingMachineDatabase::AddMaker(CQZRIM& machine) {
-    return AddRecordToNewMaker(machine, std::unique_ptr<CQZRIM>());
-}
-
-bool CQZRMoldingMachineDatabase::AddMaker(CQZRRTM& machine) {
-    return AddRecordToNewMaker(machine, std::unique_ptr<CQZRRTM>());
-}
-
 // ---------------------------------------------------------------------------------------------
 // Counts and makers
 

@@ -63,9 +63,6 @@ class CQZRMoldingMachineDatabase {
     // copy (the loaders hand over each record they fill). False for a null record.
     bool AdoptMachine(std::unique_ptr<CQZRIM> machine);
     bool AdoptMachine(std::unique_ptr<CQZRRTM> machine);
-    // Makes a group for a machine whose maker has none; called by AddMachine.
-    bool AddMaker(CQZRIM& machine);
-    bool AddMaker(CQZRRTM& machine);
     // Issues the next machine id from the process-wide counter: 1 whenever this store holds no
     // machine (even if empty groups remain), else the counter plus one.
     int GetNextMachineID();

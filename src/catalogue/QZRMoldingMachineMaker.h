@@ -33,11 +33,9 @@ class CQZRMoldingMachineMaker {
     // Valid until the group is destroyed; the name never changes after creation.
     const char* GetName() const { return m_name.c_str(); }
     int GetID() const { return m_id; }
-    int GetKind() const { return m_kind; }
     bool IsRTMMaker() const { return m_kind == kTransferMouldingKind; }
 
     std::size_t GetMachineCount() const { return m_machines.size(); }
-    bool IsEmpty() const { return m_machines.empty(); }
 
     // Appends a copy of the record. False (nothing stored) when the record's class does not
     // fit the group's kind; the store never asks for that.

@@ -1,6 +1,6 @@
 // The one seam between the library and the operating system. Every file the library opens,
 // copies, renames or lists goes through the current Env, so tests can replace it (see
-// EnvWrapper) to inject a failing open, write, copy or rename.
+// ScopedEnvOverride) to inject a failing open, write, copy or rename.
 //
 // Paths are the library's 8-bit texts with the backslash as separator; an Env maps them to
 // the OS's form (on POSIX every backslash becomes '/'). Names are found as Windows finds them:

@@ -17,28 +17,6 @@ size_t NextLineLength(std::string_view text, size_t maxChars) {
     return lineFeed == std::string_view::npos ? limit : lineFeed + 1;
 }
 
-bool ReadTextFile(const std::string& path, std::string* text) {
-    if (text == nullptr) {
-        return false;
-    }
-    std::unique_ptr<ReadableFile> file = CurrentEnv()->OpenForReading(path);
-    if (!file) {
-        return false;
-    }
-    text->clear();
-    TextModeTranslator translator;
-    std::vector<char> chunk(kChunkSize);
-    while (!translator.Ended()) {
-        const size_t got = file->Read(chunk.data(), chunk.size());
-        if (got == 0) {
-            break;
-        }
-        translator.Feed(chunk.data(), got, text);
-    }
-    translator.Finish(text);
-    return true;
-}
-
 TextLineReader::TextLineReader(const std::string& path)
     : m_file(CurrentEnv()->OpenForReading(path)) {}
 

@@ -21,9 +21,6 @@ namespace qzr::platform {
 // when text is empty or maxChars is 0.
 size_t NextLineLength(std::string_view text, size_t maxChars);
 
-// Reads a whole file through the text-mode translation. False when it cannot be opened.
-bool ReadTextFile(const std::string& path, std::string* text);
-
 class TextLineReader {
   public:
     // Opens path through the current Env; IsOpen() tells whether that worked.

@@ -25,7 +25,6 @@ class TextWriter {
     // Flushes and closes; false if any write, the flush or the close failed. A second call
     // repeats the first one's answer. Writing after Close fails.
     bool Close();
-    bool Failed() const { return m_failed; }
 
   private:
     bool FlushBuffer();

@@ -9,10 +9,9 @@
 
 #include "TempFolder.h"
 #include "bank/QZRMoldingMachineWriter.h"
-#include "catalogue/QZRMoldingMachineCtrlAccess.h"
+#include "catalogue/StoreCreationFailure.h"
 
 using qzr::bank::CQZRMoldingMachineWriter;
-using qzr::catalogue::CQZRMoldingMachineCtrlAccess;
 
 namespace {
 
@@ -72,11 +71,11 @@ TEST(SaveProtocol, EachWriterTakesOnlyItsOwnKindOfUserBank) {
                      std::to_string(row.type) + (row.store ? "" : " without store"));
         TempFolder folder;
         folder.MakeFolder("Bank");
+        qzr::test::FailNextStoreCreations(row.store ? 0 : 1);
         CQZRMoldingMachineCtrl catalogue;
         catalogue.SetFileVersion(row.version);
         catalogue.SetFileFormat(row.format);
         catalogue.SetFileType(row.type);
-        if (!row.store) CQZRMoldingMachineCtrlAccess::DropStore(catalogue);
         const CQZRMoldingMachineWriter writer;
         const std::string root = folder.Folder() + "/";
         std::string written =

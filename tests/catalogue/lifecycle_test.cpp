@@ -1,5 +1,5 @@
-// Controller lifecycle: deep copies, and the results of a controller whose store could not be
-// created.
+// Controller lifecycle: deep copies, emptying, and the results of a controller whose store could
+// not be created.
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -7,8 +7,7 @@
 
 #include "CatalogueTestSupport.h"
 #include "catalogue/QZRMoldingMachineCtrlAccess.h"
-
-using qzr::catalogue::CQZRMoldingMachineCtrlAccess;
+#include "catalogue/StoreCreationFailure.h"
 
 namespace {
 
@@ -16,7 +15,8 @@ using catalogue_test::Add;
 using catalogue_test::IM;
 using catalogue_test::Picture;
 using catalogue_test::RTM;
-using Access = CQZRMoldingMachineCtrlAccess;
+using qzr::catalogue::CQZRMoldingMachineCtrlAccess;
+using qzr::test::FailNextStoreCreations;
 
 // Everything a copy must carry: groups, machines and ids, the file attributes and the flag.
 std::string Everything(const CQZRMoldingMachineCtrl& c) {
@@ -32,19 +32,18 @@ void FillSource(CQZRMoldingMachineCtrl& c) {
     ASSERT_TRUE(Add(c, IM("ACME", "X-2")));
     c.SetFileType(1);
     ASSERT_TRUE(Add(c, RTM("GAMMA", "R-1")));
-    c.SetFileVersion(9000);
-    c.SetFileFormat(1);
-    c.SetFileName("source");
-    c.SetFileDate("2001-02-03");
-    c.SetFileCreateBy("tester");
+    // clang-format off
+    c.SetFileVersion(9000); c.SetFileFormat(1); c.SetFileName("source");
+    c.SetFileDate("2001-02-03"); c.SetFileCreateBy("tester"); c.SetFileRemark("remark");
     c.SetFileRelease(nullptr);  // stored as the empty text
-    c.SetFileRemark("remark");
     c.SetDatabaseInitialize(true);
+    // clang-format on
 }
 
 // A copy, constructed or assigned over other content, holds everything of its source and lives
-// on its own; copying issues no id, and a self-assignment changes nothing.
-TEST(CatalogueLifecycle, DeepCopies) {
+// on its own; copying issues no id, and a self-assignment changes nothing. Emptying sets
+// version, format and type to -1 and clears the flag; the texts stay.
+TEST(CatalogueLifecycle, DeepCopiesAndEmptying) {
     CQZRMoldingMachineCtrl assigned;
     ASSERT_TRUE(Add(assigned, IM("OLD", "O-1")));
     auto source = std::make_unique<CQZRMoldingMachineCtrl>();
@@ -63,6 +62,8 @@ TEST(CatalogueLifecycle, DeepCopies) {
     CQZRIM next = IM("ACME", "X-3");
     ASSERT_TRUE(source->AddMachine(next));
     EXPECT_EQ(next.GetMachineID(), 4) << "copies issue no id";
+    EXPECT_TRUE(source->RemoveAllMaker());
+    EXPECT_EQ(Everything(*source), "|-1|-1|-1|changed|2001-02-03|tester||remark|clear");
     source.reset();
     EXPECT_EQ(Everything(constructed), everything);
     EXPECT_EQ(Everything(assigned), everything);
@@ -71,18 +72,14 @@ TEST(CatalogueLifecycle, DeepCopies) {
 // Every member of a controller without a store, with the result it gives (a pointer as 0 for
 // null); setters do nothing, and the records given are left alone.
 TEST(CatalogueLifecycle, AbsentStoreResultTable) {
-    Access::FailNextStoreCreations(1);
+    FailNextStoreCreations(1);
     CQZRMoldingMachineCtrl c;
-    ASSERT_EQ(Access::Store(c), nullptr);
-    c.SetFileVersion(1);
-    c.SetFileFormat(1);
-    c.SetFileType(1);
-    c.SetFileName("n");
-    c.SetFileDate("d");
-    c.SetFileCreateBy("c");
-    c.SetFileRelease("r");
-    c.SetFileRemark("m");
+    ASSERT_EQ(CQZRMoldingMachineCtrlAccess::Store(c), nullptr);
+    // clang-format off
+    c.SetFileVersion(1); c.SetFileFormat(1); c.SetFileType(1); c.SetFileName("n");
+    c.SetFileDate("d"); c.SetFileCreateBy("c"); c.SetFileRelease("r"); c.SetFileRemark("m");
     c.SetDatabaseInitialize(true);
+    // clang-format on
     CQZRIM im = IM("ACME", "X-1");
     CQZRRTM rtm = RTM("ACME", "R-1");
     const struct {
@@ -122,25 +119,19 @@ TEST(CatalogueLifecycle, AbsentStoreResultTable) {
     EXPECT_EQ(im.GetMachineID(), -1);
     EXPECT_EQ(rtm.GetMachineID(), -1);
     EXPECT_STREQ(im.GetGrade(), "X-1");
-}
 
-// Copying from or into a controller without a store changes nothing; a copy constructed from one
-// has an empty store of its own. Initialize makes a store only where there is none.
-TEST(CatalogueLifecycle, StoresMadeDroppedAndCopied) {
+    // Copying from or into it changes nothing; a copy constructed from it has an empty store of
+    // its own, unless that store cannot be created either.
     CQZRMoldingMachineCtrl filled;
     FillSource(filled);
     const std::string everything = Everything(filled);
-    CQZRMoldingMachineCtrl absent;
-    Access::DropStore(absent);
-    filled = absent;
-    absent = filled;
-    EXPECT_EQ(Access::Store(absent), nullptr);
-    EXPECT_EQ(CQZRMoldingMachineCtrl(absent).GetFileType(), 0);
-    EXPECT_TRUE(Access::Initialize(filled));
+    filled = c;
+    c = filled;
+    EXPECT_EQ(CQZRMoldingMachineCtrlAccess::Store(c), nullptr);
     EXPECT_EQ(Everything(filled), everything);
-    Access::FailNextStoreCreations(1);
-    EXPECT_FALSE(Access::Initialize(absent));
-    EXPECT_TRUE(Access::Initialize(absent));
+    EXPECT_EQ(Everything(CQZRMoldingMachineCtrl(c)), "|0|0|0||||||clear");
+    FailNextStoreCreations(1);
+    EXPECT_EQ(CQZRMoldingMachineCtrlAccess::Store(CQZRMoldingMachineCtrl(filled)), nullptr);
 }
 
 }  // namespace

@@ -5,9 +5,11 @@
 #include <cstdint>
 #include <cstdio>
 #include <ctime>
+#include <iostream>
 #include <limits>
 #include <random>
 #include <string>
+#include <vector>
 
 #include "platform/CaseFolding.h"
 #include "platform/ScopedLocale.h"
@@ -16,25 +18,28 @@
 namespace qzr::platform {
 namespace {
 
-// A-Z fold in every locale; other bytes as the locale's tolower says, multibyte characters kept
-// whole. Rows whose locale the host lacks are skipped.
+// A-Z fold in every locale (their neighbours never); other bytes as the locale's tolower says,
+// multibyte characters kept whole. Rows whose locale the host lacks are skipped, with a word.
 TEST(CaseFolding, Table) {
+    const std::vector<const char*> c = {"C"};
     const struct {
-        const char* locale;
+        const std::vector<const char*>& locale;
         std::string input;
         std::string expected;
     } rows[] = {
-        {"C", std::string("Ab\0Z\304\326", 6), std::string("ab\0z\304\326", 6)},
-        {"C.UTF-8", "\303\204RGER", "\303\204rger"},  // a two-byte capital stays
-        {"C.UTF-8", "\200Z AB\303", "\200z ab\303"},  // stray and truncated bytes
-        {"ja_JP.SJIS", "\203AA", "\203Aa"},           // the trail byte 'A' belongs to \203
-        {"de_DE.ISO-8859-1", "\304Z", "\344z"},
+        {c, std::string("@Ab\0Z[\304\326", 8), std::string("@ab\0z[\304\326", 8)},
+        {test::kUtf8, "\303\204RGER", "\303\204rger"},  // a two-byte capital stays
+        {test::kUtf8, "\200Z AB\303", "\200z ab\303"},  // stray and truncated bytes
+        {test::kShiftJisJapanese, "\203AA", "\203Aa"},  // the trail byte 'A' belongs to \203
+        {test::kLatin1German, "\304Z", "\344z"},
     };
     for (const auto& row : rows) {
-        test::ScopedLocale locale(row.locale);
-        if (locale.installed()) {
-            EXPECT_EQ(FoldCase(row.input), row.expected) << row.locale << ": " << row.input;
+        const test::ScopedLocale locale(row.locale);
+        if (!locale.installed()) {
+            std::cout << "no locale " << row.locale[0] << " here: its row is left out\n";
+            continue;
         }
+        EXPECT_EQ(FoldCase(row.input), row.expected) << locale.name() << ": " << row.input;
     }
 }
 

@@ -1,6 +1,6 @@
-// Enumeration rules (wildcards against a naive matcher, NTFS order), and the Env of the platform:
-// listing, backslash paths, copies that never destroy their source, and the wrapper tests inject
-// faults by.
+// Enumeration rules (wildcards against a naive matcher, NTFS order, names found in other letter
+// case), and the Env of the platform: listing, backslash paths, and copies that never destroy
+// their source.
 #include <gtest/gtest.h>
 
 #include <cctype>
@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/EnvWrapper.h"
+#include "platform/Env.h"
 #include "platform/TempFolder.h"
 #include "platform/Wildcard.h"
 
@@ -67,6 +67,33 @@ TEST(Wildcard, NtfsOrder) {
     EXPECT_EQ(names, expected);
 }
 
+// Which entry of a folder stands in for a name asked for in other letter case, as Windows finds
+// names.
+TEST(LetterCase, WhichEntryStandsInForAName) {
+    const struct {
+        const char* label;
+        const char* name;
+        std::vector<std::string> entries;  // in the order a folder gives them
+        const char* expected;              // null: none
+    } rows[] = {
+        // clang-format off
+        {"the exact name wins", "User-IMM.bnk", {"USER-IMM.BNK", "user-imm.bnk", "User-IMM.bnk"},
+         "User-IMM.bnk"},
+        {"else the first listed: capitals sort first", "User-IMM.bnk",
+         {"user-imm.bnk", "User-Imm.bnk", "USER-imm.bnk"}, "USER-imm.bnk"},
+        {"only the letter case may differ", "User-IMM.bnk", {"User-IMM.bnk.bak", "User-IMM.bn"}, nullptr},
+        {"only ASCII letters fold", "\xC4rger.bnk", {"\xE4rger.bnk"}, nullptr},
+        {"punctuation 0x20 apart does not fold", "Bank@1", {"bank`1"}, nullptr},
+        // clang-format on
+    };
+    for (const auto& row : rows) {
+        const std::string* found = FindEntryIgnoringCase(row.name, row.entries);
+        EXPECT_EQ(found != nullptr ? *found : "(none)",
+                  row.expected != nullptr ? row.expected : "(none)")
+            << row.label;
+    }
+}
+
 using test::TempFolder;
 
 bool WriteFile(const std::string& path, WriteMode mode, const std::string& bytes) {
@@ -80,19 +107,24 @@ TEST(Env, ListMatchesInNtfsOrder) {
         folder.WriteBytes(name, "");
     }
     folder.MakeFolder("sub.bnk");  // folders that match are listed too
+    folder.MakeFolder("bank/machine/imm");
+    folder.WriteBytes("bank/machine/imm/quillner.bnk", "");
     const std::string dir = folder.path() + "/";
     const struct {
-        std::string folder;  // kept in every path as given, backslashes included
+        std::string folder;  // kept in every path as given, backslashes and letter case included
         const char* name;
         std::vector<std::string> names;  // empty: false, nothing listed
     } rows[] = {
         {dir, "*.bnk", {"A.BNK", "b.bnk", "sub.bnk", "Z.bnk", "_x.bnk"}},
         {dir,
          "*",
-         {".", "..", "A.BNK", "b.bnk", "c.txt", "d.bnk.bak", "sub.bnk", "Z.bnk", "_x.bnk"}},
+         {".", "..", "A.BNK", "b.bnk", "bank", "c.txt", "d.bnk.bak", "sub.bnk", "Z.bnk", "_x.bnk"}},
         {folder.path() + "\\", "?.BnK", {"A.BNK", "b.bnk", "Z.bnk"}},
         {dir, "*.xyz", {}},
         {dir + "nowhere/", "*.bnk", {}},
+        {folder.path() + "\\Bank\\Machine\\IMM\\",
+         "*.bnk",
+         {"quillner.bnk"}},  // found in other case
     };
     for (const auto& row : rows) {
         std::vector<std::string> expected;
@@ -107,13 +139,8 @@ TEST(Env, ListMatchesInNtfsOrder) {
 }
 
 // Backslash paths reach the files they name; a copy onto itself is refused (it would empty the
-// source). The seam the bank tests use: one call fails, the rest are forwarded; overrides nest.
-TEST(Env, BackslashPathsAndTheWrapperSeam) {
-    struct FailingCopyEnv : EnvWrapper {
-        FailingCopyEnv() : EnvWrapper(Env::Default()) {}
-        bool CopyFileReplacing(const std::string&, const std::string&) override { return false; }
-    } failing;
-    EnvWrapper outer(Env::Default());
+// source); a folder does not open as a file.
+TEST(Env, BackslashPathsAndCopies) {
     TempFolder folder;
     const std::string bank = folder.path() + "\\User-IMM.bnk";
     Env* env = Env::Default();
@@ -122,17 +149,10 @@ TEST(Env, BackslashPathsAndTheWrapperSeam) {
     EXPECT_FALSE(env->CopyFileReplacing(bank, folder.File("User-IMM.bnk"))) << "onto itself";
     EXPECT_TRUE(env->CopyFileReplacing(bank, bank + ".bak"));
     EXPECT_EQ(folder.ReadBytes("User-IMM.bnk.bak"), "a\r\n\032b");
+    EXPECT_TRUE(env->RenameReplacing(bank + ".bak", bank));
+    EXPECT_EQ(folder.ReadBytes("User-IMM.bnk"), "a\r\n\032b");
+    EXPECT_FALSE(env->PathExists(bank + ".bak"));
     EXPECT_EQ(env->OpenForReading(folder.path()), nullptr) << "a folder";
-    {
-        ScopedEnvOverride useOuter(&outer);
-        ScopedEnvOverride useFailing(&failing);
-        EXPECT_FALSE(CurrentEnv()->CopyFileReplacing(bank, bank + ".new"));
-        EXPECT_FALSE(CurrentEnv()->PathExists(bank + ".new"));
-        EXPECT_TRUE(CurrentEnv()->RenameReplacing(bank + ".bak", bank));
-        EXPECT_TRUE(CurrentEnv()->RemoveFile(bank));
-    }
-    EXPECT_FALSE(env->PathExists(bank));
-    EXPECT_EQ(CurrentEnv(), Env::Default());
 }
 
 }  // namespace

@@ -35,43 +35,24 @@ double FromBits(uint64_t bits) {
 }
 
 std::string Hex(uint64_t bits) {
-    static const char kDigits[] = "0123456789abcdef";
-    std::string text = "0x";
-    for (int shift = 60; shift >= 0; shift -= 4) {
-        text += kDigits[(bits >> shift) & 0xF];
-    }
+    char text[24];
+    std::snprintf(text, sizeof text, "0x%016llx", static_cast<unsigned long long>(bits));
     return text;
 }
 
-// A text as a failure message shows it: control bytes escaped, a long text cut short.
+// A text as a failure message shows it, control bytes escaped.
 std::string Shown(const std::string& text) {
-    std::string shown = "'";
-    for (const char c : text.substr(0, 40)) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte < 32 || byte > 126) {
-            shown += "\\x" + Hex(byte).substr(16);
-        } else {
-            shown += c;
-        }
-    }
-    return shown + (text.size() > 40 ? "...' (" + std::to_string(text.size()) + " bytes)" : "'");
+    return ::testing::PrintToString(text);
 }
 
-std::string WrittenLf(double value) {
+// Our writer of a printf format: "%lf", "%6.2f", "%lg" or "%.<precision>g".
+std::string Written(const std::string& format, double value) {
     char text[kLongestNumber];
-    return std::string(text, WriteLf(value, text));
-}
-std::string WrittenWidth6Fixed2(double value) {
-    char text[kLongestNumber];
-    return std::string(text, WriteWidth6Fixed2(value, text));
-}
-std::string WrittenLg(double value) {
-    char text[kLongestNumber];
-    return std::string(text, WriteLg(value, text));
-}
-std::string WrittenG(double value, int precision) {
-    char text[kLongestNumber];
-    return std::string(text, WriteG(value, precision, text));
+    char* end = format == "%lf"     ? WriteLf(value, text)
+                : format == "%6.2f" ? WriteWidth6Fixed2(value, text)
+                : format == "%lg"   ? WriteLg(value, text)
+                                    : WriteG(value, std::atoi(format.c_str() + 2), text);
+    return std::string(text, end);
 }
 
 // The value a failed conversion must leave alone.
@@ -165,27 +146,15 @@ struct IntRow {
     int value;
 };
 
+// clang-format off
 constexpr IntRow kIntRows[] = {
-    {"42", true, 42},
-    {"+42", true, 42},
-    {" \t12x", true, 12},
-    {"\v7", true, 7},
-    {"007", true, 7},
-    {"1.9", true, 1},
-    {"0x10", true, 0},
-    {"-2147483648", true, INT_MIN},
-    {"2147483647", true, INT_MAX},
+    {"42", true, 42}, {"+42", true, 42}, {" \t12x", true, 12}, {"\v7", true, 7}, {"007", true, 7},
+    {"1.9", true, 1}, {"0x10", true, 0}, {"-2147483648", true, INT_MIN}, {"2147483647", true, INT_MAX},
     // Beyond 32 bits: clamped, every digit taken.
-    {"2147483648", true, INT_MAX},
-    {"-2147483649", true, INT_MIN},
-    {"99999999999999999999x", true, INT_MAX},
-    {"-", false, 0},
-    {"x1", false, 0},
-    {"", false, 0},
-    {"   ", false, 0},
-    {"- 1", false, 0},
-    {"+-1", false, 0},
+    {"2147483648", true, INT_MAX}, {"-2147483649", true, INT_MIN}, {"99999999999999999999x", true, INT_MAX},
+    {"-", false, 0}, {"x1", false, 0}, {"", false, 0}, {"   ", false, 0}, {"- 1", false, 0}, {"+-1", false, 0},
 };
+// clang-format on
 
 // Decimal digits of three large doubles, for the fixed formats.
 const std::string kLargestDouble =
@@ -204,13 +173,11 @@ const std::string kDouble1e300 =
     "83023379478809005936895323497079994508111903896764088007465274278014249457925878882005684"
     "2838115669472196386865459400540160";
 
+const char* const kPinnedFormats[] = {"%lf", "%6.2f", "%lg", "%.4g", "%.17g"};
+
 struct WriteRow {
     uint64_t bits;
-    std::string lf;      // "%lf"
-    std::string fixed2;  // "%6.2f"
-    std::string lg;      // "%lg"
-    std::string g4;      // "%.4lg"
-    std::string g17;     // "%.17g"
+    std::string texts[5];  // in each of kPinnedFormats
 };
 
 std::vector<WriteRow> WriteRows() {
@@ -272,17 +239,14 @@ struct PrecisionRow {
     const char* text;
 };
 
+// clang-format off
 const PrecisionRow kPrecisionRows[] = {
-    {123.456, 0, "1e+02"},
-    {123.456, -1, "123.456"},
-    {0.0001234, 2, "0.00012"},
-    {2.5, 1, "2"},
-    {3.5, 1, "4"},
-    {-0.0, 0, "-0"},
-    {1.0 / 3, 25, "0.3333333333333333148296163"},
+    {123.456, 0, "1e+02"}, {123.456, -1, "123.456"}, {0.0001234, 2, "0.00012"}, {2.5, 1, "2"},
+    {3.5, 1, "4"}, {-0.0, 0, "-0"}, {1.0 / 3, 25, "0.3333333333333333148296163"},
     {DBL_TRUE_MIN, 30, "4.94065645841246544176568792868e-324"},
     {1e100, 40, "1.000000000000000015902891109759918046836e+100"},
 };
+// clang-format on
 
 void ExpectPinnedReads() {
     for (const ReadRow& row : ReadRows()) {
@@ -300,17 +264,14 @@ void ExpectPinnedReads() {
 
 void ExpectPinnedWrites() {
     for (const WriteRow& row : WriteRows()) {
-        const double value = FromBits(row.bits);
-        const std::string label = "the double " + Hex(row.bits);
-        EXPECT_EQ(WrittenLf(value), row.lf) << "%lf of " << label;
-        EXPECT_EQ(WrittenWidth6Fixed2(value), row.fixed2) << "%6.2f of " << label;
-        EXPECT_EQ(WrittenLg(value), row.lg) << "%lg of " << label;
-        EXPECT_EQ(WrittenG(value, 4), row.g4) << "%.4lg of " << label;
-        EXPECT_EQ(WrittenG(value, 17), row.g17) << "%.17g of " << label;
+        for (size_t format = 0; format < 5; ++format) {
+            EXPECT_EQ(Written(kPinnedFormats[format], FromBits(row.bits)), row.texts[format])
+                << kPinnedFormats[format] << " of the double " << Hex(row.bits);
+        }
     }
     for (const PrecisionRow& row : kPrecisionRows) {
-        EXPECT_EQ(WrittenG(row.value, row.precision), row.text)
-            << "%.*g of " << Hex(Bits(row.value)) << " with precision " << row.precision;
+        EXPECT_EQ(Written("%." + std::to_string(row.precision) + "g", row.value), row.text)
+            << "precision " << row.precision << " of " << Hex(Bits(row.value));
     }
     for (const int value : {0, -1, 7007, INT_MAX, INT_MIN}) {
         char text[kLongestNumber];
@@ -342,15 +303,9 @@ TEST(CNumbers, PinnedInADecimalCommaLocale) {
 
 #if defined(__GLIBC__)
 
-std::string Printf(const char* format, double value) {
+std::string Printf(const std::string& format, double value) {
     char text[512];
-    std::snprintf(text, sizeof(text), format, value);
-    return text;
-}
-
-std::string PrintfG(int precision, double value) {
-    char text[512];
-    std::snprintf(text, sizeof(text), "%.*g", precision, value);
+    std::snprintf(text, sizeof(text), format.c_str(), value);
     return text;
 }
 
@@ -374,13 +329,9 @@ void ExpectScansAsGlibc(const std::string& text) {
 }
 
 void ExpectWritesAsGlibc(double value) {
-    const std::string label = "the double " + Hex(Bits(value));
-    ASSERT_EQ(WrittenLf(value), Printf("%lf", value)) << "%lf of " << label;
-    ASSERT_EQ(WrittenWidth6Fixed2(value), Printf("%6.2f", value)) << "%6.2f of " << label;
-    ASSERT_EQ(WrittenLg(value), Printf("%lg", value)) << "%lg of " << label;
-    for (const int precision : {0, 4, 17, 25}) {
-        ASSERT_EQ(WrittenG(value, precision), PrintfG(precision, value))
-            << "%." << precision << "g of " << label;
+    for (const char* format : {"%lf", "%6.2f", "%lg", "%.0g", "%.4g", "%.17g", "%.25g"}) {
+        ASSERT_EQ(Written(format, value), Printf(format, value))
+            << format << " of the double " << Hex(Bits(value));
     }
     // And read back from the texts the C library writes.
     for (const char* format : {"%.17g", "%a", "%lf", "%.3e"}) {
