@@ -23,7 +23,7 @@ using qzr::bank::CQZRMoldingMachineWriter;
 
 namespace {
 
-using qzr::bank::KeyValueKind;
+using qzr::records::FieldType;
 
 #if defined(__GNUC__)
 std::string Printf(const char* format, ...) __attribute__((format(printf, 1, 2)));
@@ -73,12 +73,11 @@ Record Machine(const qzr::bank::MachineSectionFormat<Record>& format, const std:
     Record machine;
     machine.SetMaker(maker.c_str());
     machine.SetGrade(("G-" + std::to_string(i)).c_str());
-    for (size_t row = 0; row < format.rowCount; ++row) {
-        const auto& key = format.rows[row];
-        if (key.kind == KeyValueKind::kInteger) {
-            (machine.*key.setInteger)(HardInteger());
-        } else if (key.kind == KeyValueKind::kReal) {
-            (machine.*key.setReal)(HardReal());
+    for (const auto& key : format.rows) {
+        if (key.field->type == FieldType::kInteger) {
+            key.field->setInteger(machine, HardInteger());
+        } else if (key.field->type == FieldType::kReal) {
+            key.field->setReal(machine, HardReal());
         }
     }
     return machine;
@@ -99,12 +98,12 @@ std::string PlainSectionedBank(const CQZRMoldingMachineCtrl& catalogue,
             continue;
         }
         text += Printf("[Machine-%d]\n\n", index + 1);
-        for (size_t row = 0; row < format.rowCount; ++row) {
-            const auto& key = format.rows[row];
+        for (const auto& key : format.rows) {
+            const auto& field = *key.field;
             text += key.linePrefix;
-            text += key.kind == KeyValueKind::kText      ? std::string((m.*key.getText)())
-                    : key.kind == KeyValueKind::kInteger ? Printf("%d", (m.*key.getInteger)())
-                                                         : Printf("%lf", (m.*key.getReal)());
+            text += field.type == FieldType::kText      ? std::string(field.getText(m))
+                    : field.type == FieldType::kInteger ? Printf("%d", field.getInteger(m))
+                                                        : Printf("%lf", field.getReal(m));
             text += "\n";
         }
         text += "\n";

@@ -1,7 +1,6 @@
 // Writing a catalogue as a legacy tabular user bank. The writer always writes version 7007
 // with its rows in the 7005 layout, whatever version the catalogue came from, so that older
 // hosts reading "user-pro.bnk" get the layout they expect.
-#include <initializer_list>
 #include <string>
 #include <string_view>
 
@@ -13,6 +12,7 @@
 #include "bank/QZRMoldingMachineWriter.h"
 #include "bank/SaveProtocol.h"
 #include "bank/TextBuffer.h"
+#include "bank/legacy/LegacyColumns.h"
 #include "catalogue/QZRMoldingMachineCtrlAccess.h"
 #include "platform/CNumbers.h"
 #include "platform/TextWriter.h"
@@ -34,78 +34,74 @@ bool IsOldUserBankOfIMM(const CQZRMoldingMachineCtrl& catalogue) {
            catalogue.GetFileType() == 0;
 }
 
-// The header, the column titles and units (no reader looks at those), and the rows' marker.
-constexpr const char* kOldUserBankHead =
-    "[Header]\n"
-    "Version,7007\n"
-    "\n"
-    "[Format]\n"
-    "ID,Maker,Grade,Remark,ClampForce,ShotWeight,Max.Pressure,Max.FlowRate,ScrewDiameter,"
-    "Max.RamPosition,TimeConstFR,TimeConstIP,NozzleVolume,MaxPressureSlope,MachineType,"
-    "HydralicPressureTransferFactor,\n"
-    "Unit,,,,ton,g,MPa,cc/s,mm,mm,sec,sec,cm3,,,,\n"
-    "\n"
-    "[Database]\n";
+// The header, the column titles and units of the writer's row (no reader looks at those),
+// and the rows' marker.
+std::string OldUserBankHead() {
+    std::string titles = "ID,";
+    std::string units = "Unit,";
+    for (const LegacyField& column : LegacyColumns()) {
+        if (const char* title = column.Column().title) {
+            titles += title;
+            titles += ',';
+            units += column.Unit();
+            units += ',';
+        }
+    }
+    return "[Header]\n"
+           "Version,7007\n"
+           "\n"
+           "[Format]\n" +
+           titles + "\n" + units +
+           "\n"
+           "\n"
+           "[Database]\n";
+}
 
 // Every row has ID 1: the user-bank reader takes no other. Texts go out as they stand, so a
 // comma in a maker or grade, or a line end in any text, breaks the row for the reader.
 //
-// The row is the text of the C format
-//   "%d,%s,%s,%s,%6.2f,%6.2f,%6.2f,%6.2f,%6.2f,%6.2f,%lg,%lg,%6.2f,%6.2f,%d,%6.2f,%d,%6.2f,"
-//   "%6.2f,%6.2f,%6.2f,%6.2f,%6.2f\n"
-// put together field by field (platform/CNumbers.h writes each number as that format would).
-// The time constants ("%lg") take two exponent digits when they need an exponent, as C99 has it
-// ("1e-05" here, "1e-005" from the DLL); the readers take both.
+// The row holds every column of the field table in column order: texts as "%s", integers as
+// "%d", reals as "%6.2f" or, where the table says so, "%lg", put together field by field
+// (platform/CNumbers.h writes each number as that format would). The time constants ("%lg")
+// take two exponent digits when they need an exponent, as C99 has it ("1e-05" here, "1e-005"
+// from the DLL); the readers take both.
 class LegacyUserRow {
   public:
     // The row of the machine, valid until the next call.
     std::string_view Of(const CQZRIM& machine) {
         const NozzleSpecification& nozzle = machine.GetNozzleSpecification();
         m_row.Clear();
-        Int(1);
-        Text(machine.GetMaker());
-        Text(machine.GetGrade());
-        Text(machine.GetRemark());
-        for (const double value :
-             {machine.GetClampingForce(), machine.GetShotWeight(), machine.GetInjectionPressure(),
-              machine.GetInjectionRate(), machine.GetScrewDiameter(), machine.GetScrewStroke()}) {
-            Fixed(value);
+        m_row.AppendNumber(&platform::WriteD, 1);
+        for (const LegacyField& column : LegacyColumns()) {
+            m_row.Append(',');
+            if (column.record != nullptr) {
+                AppendValue(*column.record, machine);
+            } else {
+                AppendValue(*column.nozzle, nozzle);
+            }
         }
-        General(machine.GetTimeConstFR());
-        General(machine.GetTimeConstIP());
-        Fixed(machine.GetNozzleVolume());
-        Fixed(machine.GetMaxPressureSlope());
-        Int(machine.GetMachineEnergyType());
-        Fixed(machine.GetHydraulicPressureTransferFactor());
-        Int(nozzle.Type);
-        for (const double value :
-             {nozzle.Value1, nozzle.Value2, nozzle.Value3, nozzle.Value4, nozzle.Value5}) {
-            Fixed(value);
-        }
-        Last(nozzle.Value6);
         m_row.Append('\n');
         return m_row.View();
     }
 
   private:
-    // Every field but the last is followed by a comma, the last by the line end.
-    void Text(const char* text) {
-        m_row.AppendText(text);
-        m_row.Append(',');
+    template <class Target>
+    void AppendValue(const records::FieldDescriptor<Target>& field, const Target& target) {
+        switch (field.type) {
+            case records::FieldType::kText:
+                m_row.AppendText(field.getText(target));
+                break;
+            case records::FieldType::kInteger:
+                m_row.AppendNumber(&platform::WriteD, field.getInteger(target));
+                break;
+            case records::FieldType::kReal:
+                m_row.AppendNumber(field.legacy.number == records::LegacyNumber::kGeneral
+                                       ? &platform::WriteLg
+                                       : &platform::WriteWidth6Fixed2,
+                                   field.getReal(target));
+                break;
+        }
     }
-    void Int(int value) {
-        m_row.AppendNumber(&platform::WriteD, value);
-        m_row.Append(',');
-    }
-    void Fixed(double value) {
-        m_row.AppendNumber(&platform::WriteWidth6Fixed2, value);
-        m_row.Append(',');
-    }
-    void General(double value) {
-        m_row.AppendNumber(&platform::WriteLg, value);
-        m_row.Append(',');
-    }
-    void Last(double value) { m_row.AppendNumber(&platform::WriteWidth6Fixed2, value); }
 
     bank::TextBuffer m_row;
 };
@@ -113,7 +109,7 @@ class LegacyUserRow {
 // Every injection-moulding machine in catalogue order; an index that falls on a machine of a
 // transfer-moulding group is not handed out as a CQZRIM and gets no row.
 void WriteOldUserBank(platform::TextWriter& out, const CQZRMoldingMachineCtrl& catalogue) {
-    out.Write(kOldUserBankHead);
+    out.Write(OldUserBankHead());
     const bank::CatalogueWalk walk(catalogue);
     LegacyUserRow row;
     for (int index = 0; index < walk.TotalMachine(); ++index) {

@@ -3,11 +3,14 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <iterator>
 #include <string_view>
+#include <vector>
 
 #include <QZRMachine/QZRIM.h>
 
 #include "bank/QZRMoldingMachineReader.h"
+#include "bank/legacy/LegacyColumns.h"
 #include "bank/legacy/LegacyRowNumbers.h"
 #include "platform/CNumbers.h"
 
@@ -17,92 +20,75 @@ using bank::LegacyRowLayout;
 
 namespace {
 
-// One trailing numeric field: its place counted back from the last token (1 = last), and the
-// setter that takes it ("%lf" for a real, "%d" for an int).
-struct TrailingField {
-    int fromEnd;
-    void (CQZRIM::*setReal)(double);
-    void (CQZRIM::*setInt)(int);
-};
+// ID, maker and grade come before the trailing fields.
+constexpr int kLeadingTokens = 3;
 
-constexpr TrailingField Real(int fromEnd, void (CQZRIM::*set)(double)) {
-    return {fromEnd, set, nullptr};
-}
-constexpr TrailingField Int(int fromEnd, void (CQZRIM::*set)(int)) {
-    return {fromEnd, nullptr, set};
-}
-
-// The six fields every layout carries, placed after `shift` newer fields at the row's end.
-#define QZR_BASE_FIELDS(shift)                                                                \
-    Real((shift) + 1, &CQZRIM::SetScrewStroke), Real((shift) + 2, &CQZRIM::SetScrewDiameter), \
-        Real((shift) + 3, &CQZRIM::SetInjectionRate),                                         \
-        Real((shift) + 4, &CQZRIM::SetInjectionPressure),                                     \
-        Real((shift) + 5, &CQZRIM::SetShotWeight), Real((shift) + 6, &CQZRIM::SetClampingForce)
-
-constexpr std::array<TrailingField, 6> kBaseFields = {{QZR_BASE_FIELDS(0)}};
-
-constexpr std::array<TrailingField, 9> k7003Fields = {{
-    Real(1, &CQZRIM::SetNozzleVolume),
-    Real(2, &CQZRIM::SetTimeConstIP),
-    Real(3, &CQZRIM::SetTimeConstFR),
-    QZR_BASE_FIELDS(3),
-}};
-
-constexpr std::array<TrailingField, 10> k7004Fields = {{
-    Real(1, &CQZRIM::SetMaxPressureSlope),
-    Real(2, &CQZRIM::SetNozzleVolume),
-    Real(3, &CQZRIM::SetTimeConstIP),
-    Real(4, &CQZRIM::SetTimeConstFR),
-    QZR_BASE_FIELDS(4),
-}};
-
-// Places 1 to 7 of the 7005 layout are the nozzle fields (see ReadNozzleFields).
-constexpr int kNozzleFieldCount = 7;
-constexpr std::array<TrailingField, 12> k7005Fields = {{
-    Real(8, &CQZRIM::SetHydraulicPressureTransferFactor),
-    Int(9, &CQZRIM::SetMachineEnergyType),
-    Real(10, &CQZRIM::SetMaxPressureSlope),
-    Real(11, &CQZRIM::SetNozzleVolume),
-    Real(12, &CQZRIM::SetTimeConstIP),
-    Real(13, &CQZRIM::SetTimeConstFR),
-    QZR_BASE_FIELDS(13),
-}};
-
-constexpr std::array<TrailingField, 8> kSystem7007Fields = {{
-    Real(1, &CQZRIM::SetHydraulicPressureTransferFactor),
-    Int(2, &CQZRIM::SetMachineEnergyType),
-    QZR_BASE_FIELDS(2),
-}};
-
-#undef QZR_BASE_FIELDS
-
-struct LayoutFields {
-    const TrailingField* fields;
-    int fieldCount;
-    bool hasNozzle;
-
-    int TrailingCount() const { return fieldCount + (hasNozzle ? kNozzleFieldCount : 0); }
-};
-
-template <size_t N>
-constexpr LayoutFields FieldsOf(const std::array<TrailingField, N>& fields, bool hasNozzle) {
-    return {fields.data(), static_cast<int>(N), hasNozzle};
-}
-
-LayoutFields FieldsOf(LegacyRowLayout layout) {
-    switch (layout) {
-        case LegacyRowLayout::kUser7003:
-            return FieldsOf(k7003Fields, false);
-        case LegacyRowLayout::kUser7004:
-            return FieldsOf(k7004Fields, false);
-        case LegacyRowLayout::kUser7005:
-            return FieldsOf(k7005Fields, true);
-        case LegacyRowLayout::kSystem7007:
-            return FieldsOf(kSystem7007Fields, false);
-        case LegacyRowLayout::kBase:
+// Whether the rows of a layout hold the columns a group added.
+bool HoldsGroup(LegacyRowLayout layout, records::LegacyGroup group) {
+    switch (group) {
+        case records::kEveryLayout:
+            return true;
+        case records::kSince7003:
+            return layout == LegacyRowLayout::kUser7003 || layout == LegacyRowLayout::kUser7004 ||
+                   layout == LegacyRowLayout::kUser7005;
+        case records::kSince7004:
+            return layout == LegacyRowLayout::kUser7004 || layout == LegacyRowLayout::kUser7005;
+        case records::kMachineKind:
+            return layout == LegacyRowLayout::kUser7005 || layout == LegacyRowLayout::kSystem7007;
+        case records::kNozzle:
+            return layout == LegacyRowLayout::kUser7005;
+        case records::kLeading:
+        case records::kNotInLegacyRows:
             break;
     }
-    return FieldsOf(kBaseFields, false);
+    return false;
+}
+
+// One trailing field of a layout: its place counted back from the last token (1 = last).
+struct TrailingField {
+    int fromEnd;
+    LegacyField field;
+};
+
+struct LayoutFields {
+    std::vector<TrailingField> trailing;  // in column order
+    bool hasNozzle = false;
+    // The columns after the ID: maker and grade are the tokens that follow it, and the column
+    // after them holds the remark, recovered from the row text.
+    std::vector<LegacyField> leading;
+
+    int TrailingCount() const { return static_cast<int>(trailing.size()); }
+};
+
+LayoutFields BuildLayoutFields(LegacyRowLayout layout) {
+    LayoutFields fields;
+    for (const LegacyField& column : LegacyColumns()) {
+        if (column.Column().group == records::kLeading) {
+            fields.leading.push_back(column);
+        } else if (HoldsGroup(layout, column.Column().group)) {
+            fields.trailing.push_back({0, column});
+            fields.hasNozzle = fields.hasNozzle || column.nozzle != nullptr;
+        }
+    }
+    for (int i = 0; i < fields.TrailingCount(); ++i) {
+        fields.trailing[static_cast<size_t>(i)].fromEnd = fields.TrailingCount() - i;
+    }
+    return fields;
+}
+
+constexpr LegacyRowLayout kLayouts[] = {LegacyRowLayout::kBase, LegacyRowLayout::kUser7003,
+                                        LegacyRowLayout::kUser7004, LegacyRowLayout::kUser7005,
+                                        LegacyRowLayout::kSystem7007};
+
+const LayoutFields& FieldsOf(LegacyRowLayout layout) {
+    static const std::vector<LayoutFields> kByLayout = [] {
+        std::vector<LayoutFields> byLayout(std::size(kLayouts));
+        for (const LegacyRowLayout each : kLayouts) {
+            byLayout[static_cast<size_t>(each)] = BuildLayoutFields(each);
+        }
+        return byLayout;
+    }();
+    return kByLayout[static_cast<size_t>(layout)];
 }
 
 // strlen, but looking at no more than maxChars characters (memchr stops at the first match).
@@ -110,9 +96,6 @@ size_t BoundedLength(const char* text, size_t maxChars) {
     const void* end = std::memchr(text, '\0', maxChars);
     return end == nullptr ? maxChars : static_cast<size_t>(static_cast<const char*>(end) - text);
 }
-
-// ID, maker and grade come before the trailing fields.
-constexpr int kLeadingTokens = 3;
 
 // The row split as strtok splits it with the delimiters ",\n": a run of delimiters separates
 // two tokens, and none stands at either end, so an empty field gives no token and the fields
@@ -178,36 +161,66 @@ class RowTokens {
     int m_count = 0;
 };
 
-void ReadTrailingFields(const RowTokens& tokens, const LayoutFields& layout, CQZRIM& machine) {
-    for (int i = 0; i < layout.fieldCount; ++i) {
-        const TrailingField& field = layout.fields[i];
-        const char* token = tokens.FromEnd(field.fromEnd);
-        if (field.setReal != nullptr) {
+// "%lf" for a real, "%d" for an integer; false, with the target unchanged, when the token does
+// not convert.
+template <class Target>
+bool ReadValue(const records::FieldDescriptor<Target>& field, const char* token, Target& target) {
+    switch (field.type) {
+        case records::FieldType::kReal: {
             double value = 0.0;
-            if (platform::ScanDouble(token, &value)) {
-                (machine.*field.setReal)(value);
+            if (!platform::ScanDouble(token, &value)) {
+                return false;
             }
-        } else {
-            int value = 0;
-            if (platform::ScanInt(token, &value)) {
-                (machine.*field.setInt)(value);
-            }
+            field.setReal(target, value);
+            return true;
         }
+        case records::FieldType::kInteger: {
+            int value = 0;
+            if (!platform::ScanInt(token, &value)) {
+                return false;
+            }
+            field.setInteger(target, value);
+            return true;
+        }
+        case records::FieldType::kText:
+            field.setText(target, token);
+            return true;
     }
+    return false;
 }
 
-// The seven nozzle fields of the 7005 layout: Type seventh from the end, then Value1 to
-// Value6. They fill a fresh NozzleSpecification, so a member whose field does not convert is 0
-// whatever the record held, and it replaces the record's own as a whole.
-void ReadNozzleFields(const RowTokens& tokens, CQZRIM& machine) {
+// Fills the trailing fields; a record field whose token does not convert keeps its value. The
+// nozzle fields fill a fresh NozzleSpecification, so a member whose token does not convert is
+// 0 whatever the record held, and it replaces the record's own as a whole. Returns the
+// positions in layout.trailing of the tokens that did not convert.
+uint32_t ReadTrailingFields(const RowTokens& tokens, const LayoutFields& layout, CQZRIM& machine) {
     NozzleSpecification nozzle;
-    platform::ScanInt(tokens.FromEnd(7), &nozzle.Type);
-    double* const values[] = {&nozzle.Value1, &nozzle.Value2, &nozzle.Value3,
-                              &nozzle.Value4, &nozzle.Value5, &nozzle.Value6};
-    for (int i = 0; i < 6; ++i) {
-        platform::ScanDouble(tokens.FromEnd(6 - i), values[i]);
+    uint32_t notConverted = 0;
+    for (size_t i = 0; i < layout.trailing.size(); ++i) {
+        const TrailingField& trailing = layout.trailing[i];
+        const char* token = tokens.FromEnd(trailing.fromEnd);
+        const bool converted = trailing.field.record != nullptr
+                                   ? ReadValue(*trailing.field.record, token, machine)
+                                   : ReadValue(*trailing.field.nozzle, token, nozzle);
+        if (!converted) {
+            notConverted |= uint32_t{1} << i;
+        }
     }
-    machine.SetNozzleSpecification(nozzle);
+    if (layout.hasNozzle) {
+        machine.SetNozzleSpecification(nozzle);
+    }
+    return notConverted;
+}
+
+void ReportNotConverted(const RowWatch& watch, const RowTokens& tokens, const LayoutFields& layout,
+                        uint32_t notConverted) {
+    for (size_t i = 0; i < layout.trailing.size(); ++i) {
+        if ((notConverted >> i & 1) != 0) {
+            const TrailingField& trailing = layout.trailing[i];
+            watch.observer->OnFieldNotConverted({watch.path, watch.line, 0, trailing.field.Label(),
+                                                 tokens.FromEnd(trailing.fromEnd)});
+        }
+    }
 }
 
 // The shot volume is not in the bank: it is the screw's swept volume in cm3, with the DLL's
@@ -227,7 +240,7 @@ double DerivedShotVolume(const CQZRIM& machine) {
 // up to the first occurrence of the grade text (which may lie inside the ID or the maker, as
 // in the DLL), moved past the maker when maker and grade are the same text.
 void SetRecoveredRemark(const char* row, const RowTokens& tokens, int trailingCount,
-                        CQZRIM& machine) {
+                        const LegacyField& remarkField, CQZRIM& machine) {
     const int firstTrailing = tokens.Count() - trailingCount;
     const std::string_view kept(row, tokens.Start(firstTrailing) - 1);
     const std::string_view maker(tokens.Token(1), tokens.Length(1));
@@ -249,40 +262,45 @@ void SetRecoveredRemark(const char* row, const RowTokens& tokens, int trailingCo
         std::memcpy(remark, kept.data() + removed, length);
     }
     remark[length] = '\0';
-    machine.SetRemark(remark);
+    remarkField.record->setText(machine, remark);
+}
+
+// Maker and grade from the tokens after the ID, the remark from the row text.
+void SetLeadingFields(const char* row, const RowTokens& tokens, const LayoutFields& fields,
+                      CQZRIM& machine) {
+    for (const LegacyField& leading : fields.leading) {
+        const int column = leading.Column().column;
+        if (column < kLeadingTokens) {
+            leading.record->setText(machine, tokens.Token(column));
+        }
+    }
+    machine.SetShotVolume(DerivedShotVolume(machine));
+    for (const LegacyField& leading : fields.leading) {
+        if (leading.Column().column == kLeadingTokens) {
+            SetRecoveredRemark(row, tokens, fields.TrailingCount(), leading, machine);
+        }
+    }
 }
 
 }  // namespace
 
-int TrailingFieldCount(LegacyRowLayout layout) {
-    return FieldsOf(layout).TrailingCount();
-}
-
-int FewestTokens(LegacyRowLayout layout) {
-    return kLeadingTokens + TrailingFieldCount(layout);
-}
-
-bool ParseOldRow(const char* row, LegacyRowLayout layout, CQZRIM& machine) {
+bool ParseOldRow(const char* row, LegacyRowLayout layout, CQZRIM& machine, const RowWatch* watch) {
     if (row == nullptr) {
         return false;
     }
     // A longer row is cut at the DLL's work buffer, for the tokens and the remark alike.
     const size_t length = BoundedLength(row, kOldRowMaxChars);
     const RowTokens tokens(row, length);
-    const LayoutFields fields = FieldsOf(layout);
-    const int trailingCount = fields.TrailingCount();
-    if (tokens.Count() < kLeadingTokens + trailingCount) {
+    const LayoutFields& fields = FieldsOf(layout);
+    if (tokens.Count() < kLeadingTokens + fields.TrailingCount()) {
         return false;
     }
 
-    ReadTrailingFields(tokens, fields, machine);
-    if (fields.hasNozzle) {
-        ReadNozzleFields(tokens, machine);
+    const uint32_t notConverted = ReadTrailingFields(tokens, fields, machine);
+    if (watch != nullptr && notConverted != 0) {
+        ReportNotConverted(*watch, tokens, fields, notConverted);
     }
-    machine.SetMaker(tokens.Token(1));
-    machine.SetGrade(tokens.Token(2));
-    machine.SetShotVolume(DerivedShotVolume(machine));
-    SetRecoveredRemark(row, tokens, trailingCount, machine);
+    SetLeadingFields(row, tokens, fields, machine);
     return true;
 }
 
