@@ -246,6 +246,15 @@ constexpr LegacyColumn NoColumn() {
     return LegacyColumn{};
 }
 
+// The legacy columns of each list in list order, for code that walks the table while compiling.
+#define QZR_LEGACY_OF_ROW(Name, Type, Default, Fourth, Section, Legacy, Unit) Legacy,
+#define QZR_LEGACY_OF_NOZZLE(Name, Type, Default, Legacy) Legacy,
+inline constexpr LegacyColumn kCommonLegacyColumns[] = {QZR_COMMON_FIELDS(QZR_LEGACY_OF_ROW)};
+inline constexpr LegacyColumn kIMMLegacyColumns[] = {QZR_IMM_FIELDS(QZR_LEGACY_OF_ROW)};
+inline constexpr LegacyColumn kNozzleLegacyColumns[] = {QZR_NOZZLE_FIELDS(QZR_LEGACY_OF_NOZZLE)};
+#undef QZR_LEGACY_OF_ROW
+#undef QZR_LEGACY_OF_NOZZLE
+
 // One field of a Target (a record, or the nozzle data of one), with the accessors of its type.
 template <class Target>
 struct FieldDescriptor {
@@ -300,12 +309,18 @@ FieldList<NozzleSpecification> NozzleFields();
         ::qzr::records::Store(&m_fields->Name, value);                                        \
     }
 #define QZR_ROW_MEMBER(Name, Type, Default, ...) QZR_FIELD_MEMBER(Name, Type, Default)
-// A step of comparing the Fields a and b of two records by a `comparison` in scope: the field
-// is looked at when the comparison covers it, and a difference ends the comparison.
+// SameFields<comparison>(a, b): the Fields of two records compared over the fields of LIST that
+// the comparison covers, in table order, stopping at the first that differs.
 #define QZR_FALSE_IF_DIFFERENT(Name, Type, Default, Compared, ...)      \
     if (::qzr::records::Covers(::qzr::records::Compared, comparison) && \
         !::qzr::records::SameValue(a.Name, b.Name)) {                   \
         return false;                                                   \
+    }
+#define QZR_DEFINE_SAME_FIELDS(LIST)                               \
+    template <::qzr::records::Comparison comparison, class Fields> \
+    bool SameFields(const Fields& a, const Fields& b) {            \
+        LIST(QZR_FALSE_IF_DIFFERENT)                               \
+        return true;                                               \
     }
 
 #endif  // QZR_RECORDS_MACHINEFIELDS_H

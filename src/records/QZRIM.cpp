@@ -49,13 +49,7 @@ void CQZRIM::SetNozzleSpecification(const NozzleSpecification& nozzle) {
 }
 
 namespace {
-
-template <Comparison comparison, class Fields>
-bool SameFields(const Fields& a, const Fields& b) {
-    QZR_IMM_FIELDS(QZR_FALSE_IF_DIFFERENT)
-    return true;
-}
-
+QZR_DEFINE_SAME_FIELDS(QZR_IMM_FIELDS)
 }  // namespace
 
 // Identity comparisons. The names (and for the full comparison the remark) follow the name

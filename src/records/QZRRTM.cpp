@@ -34,13 +34,7 @@ QZR_RTM_FIELDS(QZR_RTM_ACCESSORS)
 #undef QZR_RTM_ACCESSORS
 
 namespace {
-
-template <Comparison comparison, class Fields>
-bool SameFields(const Fields& a, const Fields& b) {
-    QZR_RTM_FIELDS(QZR_FALSE_IF_DIFFERENT)
-    return true;
-}
-
+QZR_DEFINE_SAME_FIELDS(QZR_RTM_FIELDS)
 }  // namespace
 
 // The full and the key-data comparison of a transfer press are one and the same. The names

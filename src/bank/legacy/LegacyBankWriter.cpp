@@ -1,8 +1,12 @@
 // Writing a catalogue as a legacy tabular user bank. The writer always writes version 7007
 // with its rows in the 7005 layout, whatever version the catalogue came from, so that older
 // hosts reading "user-pro.bnk" get the layout they expect.
+#include <array>
+#include <cstddef>
 #include <string>
 #include <string_view>
+#include <tuple>
+#include <utility>
 
 #include <QZRMachine/QZRIM.h>
 #include <QZRMachine/QZRMoldingMachineCtrl.h>
@@ -65,44 +69,119 @@ std::string OldUserBankHead() {
 // (platform/CNumbers.h writes each number as that format would). The time constants ("%lg")
 // take two exponent digits when they need an exponent, as C99 has it ("1e-05" here, "1e-005"
 // from the DLL); the readers take both.
+//
+// The columns are laid out while compiling, so that each value is fetched by a direct call of
+// its accessor: a save writes tens of columns for each of hundreds of thousands of rows.
+enum class FieldList { kCommon, kIMM, kNozzle };
+
+struct ColumnPlace {
+    FieldList list;
+    size_t index;  // in its list
+    int column;
+};
+
+template <size_t N>
+constexpr size_t CountColumns(const records::LegacyColumn (&columns)[N]) {
+    size_t count = 0;
+    for (const records::LegacyColumn& column : columns) {
+        count += column.column >= 0 ? 1 : 0;
+    }
+    return count;
+}
+
+constexpr size_t kColumnCount = CountColumns(records::kCommonLegacyColumns) +
+                                CountColumns(records::kIMMLegacyColumns) +
+                                CountColumns(records::kNozzleLegacyColumns);
+
+template <size_t N>
+constexpr void AddPlaces(const records::LegacyColumn (&columns)[N], FieldList list,
+                         std::array<ColumnPlace, kColumnCount>* places, size_t* count) {
+    for (size_t index = 0; index < N; ++index) {
+        if (columns[index].column >= 0) {
+            (*places)[(*count)++] = {list, index, columns[index].column};
+        }
+    }
+}
+
+constexpr std::array<ColumnPlace, kColumnCount> ColumnsInRowOrder() {
+    std::array<ColumnPlace, kColumnCount> places{};
+    size_t count = 0;
+    AddPlaces(records::kCommonLegacyColumns, FieldList::kCommon, &places, &count);
+    AddPlaces(records::kIMMLegacyColumns, FieldList::kIMM, &places, &count);
+    AddPlaces(records::kNozzleLegacyColumns, FieldList::kNozzle, &places, &count);
+    for (size_t i = 1; i < count; ++i) {  // insertion sort by column
+        for (size_t j = i; j > 0 && places[j - 1].column > places[j].column; --j) {
+            const ColumnPlace moved = places[j];
+            places[j] = places[j - 1];
+            places[j - 1] = moved;
+        }
+    }
+    return places;
+}
+
+constexpr std::array<ColumnPlace, kColumnCount> kRowColumns = ColumnsInRowOrder();
+
+// The getters of each list, by list index + 1.
+#define QZR_RECORD_GETTER(Name, ...) , [](const CQZRIM& m) { return m.Get##Name(); }
+#define QZR_NOZZLE_GETTER(Name, ...) , [](const NozzleSpecification& n) { return n.Name; }
+constexpr auto kCommonGetters = std::make_tuple(0 QZR_COMMON_FIELDS(QZR_RECORD_GETTER));
+constexpr auto kIMMGetters = std::make_tuple(0 QZR_IMM_FIELDS(QZR_RECORD_GETTER));
+constexpr auto kNozzleGetters = std::make_tuple(0 QZR_NOZZLE_FIELDS(QZR_NOZZLE_GETTER));
+#undef QZR_RECORD_GETTER
+#undef QZR_NOZZLE_GETTER
+
+template <records::LegacyNumber>
+void AppendValue(bank::TextBuffer& row, const char* text) {
+    row.AppendText(text);
+}
+template <records::LegacyNumber>
+void AppendValue(bank::TextBuffer& row, int value) {
+    row.AppendNumber(&platform::WriteD, value);
+}
+template <records::LegacyNumber number>
+void AppendValue(bank::TextBuffer& row, double value) {
+    if constexpr (number == records::LegacyNumber::kGeneral) {
+        row.AppendNumber(&platform::WriteLg, value);
+    } else {
+        row.AppendNumber(&platform::WriteWidth6Fixed2, value);
+    }
+}
+
+template <size_t position>
+void AppendColumn(bank::TextBuffer& row, const CQZRIM& machine, const NozzleSpecification& nozzle) {
+    constexpr ColumnPlace place = kRowColumns[position];
+    row.Append(',');
+    if constexpr (place.list == FieldList::kCommon) {
+        AppendValue<records::kCommonLegacyColumns[place.index].number>(
+            row, std::get<place.index + 1>(kCommonGetters)(machine));
+    } else if constexpr (place.list == FieldList::kIMM) {
+        AppendValue<records::kIMMLegacyColumns[place.index].number>(
+            row, std::get<place.index + 1>(kIMMGetters)(machine));
+    } else {
+        AppendValue<records::kNozzleLegacyColumns[place.index].number>(
+            row, std::get<place.index + 1>(kNozzleGetters)(nozzle));
+    }
+}
+
+template <size_t... positions>
+void AppendColumns(bank::TextBuffer& row, const CQZRIM& machine,
+                   std::index_sequence<positions...>) {
+    const NozzleSpecification& nozzle = machine.GetNozzleSpecification();
+    (AppendColumn<positions>(row, machine, nozzle), ...);
+}
+
 class LegacyUserRow {
   public:
     // The row of the machine, valid until the next call.
     std::string_view Of(const CQZRIM& machine) {
-        const NozzleSpecification& nozzle = machine.GetNozzleSpecification();
         m_row.Clear();
         m_row.AppendNumber(&platform::WriteD, 1);
-        for (const LegacyField& column : LegacyColumns()) {
-            m_row.Append(',');
-            if (column.record != nullptr) {
-                AppendValue(*column.record, machine);
-            } else {
-                AppendValue(*column.nozzle, nozzle);
-            }
-        }
+        AppendColumns(m_row, machine, std::make_index_sequence<kColumnCount>());
         m_row.Append('\n');
         return m_row.View();
     }
 
   private:
-    template <class Target>
-    void AppendValue(const records::FieldDescriptor<Target>& field, const Target& target) {
-        switch (field.type) {
-            case records::FieldType::kText:
-                m_row.AppendText(field.getText(target));
-                break;
-            case records::FieldType::kInteger:
-                m_row.AppendNumber(&platform::WriteD, field.getInteger(target));
-                break;
-            case records::FieldType::kReal:
-                m_row.AppendNumber(field.legacy.number == records::LegacyNumber::kGeneral
-                                       ? &platform::WriteLg
-                                       : &platform::WriteWidth6Fixed2,
-                                   field.getReal(target));
-                break;
-        }
-    }
-
     bank::TextBuffer m_row;
 };
 

@@ -50,12 +50,18 @@ struct TrailingField {
     LegacyField field;
 };
 
+// A leading column filled from the token of its number (maker and grade, after the ID).
+struct TokenField {
+    int token;
+    const records::FieldDescriptor<CQZRIM>* field;
+};
+
 struct LayoutFields {
     std::vector<TrailingField> trailing;  // in column order
     bool hasNozzle = false;
-    // The columns after the ID: maker and grade are the tokens that follow it, and the column
-    // after them holds the remark, recovered from the row text.
-    std::vector<LegacyField> leading;
+    std::vector<TokenField> fromTokens;
+    // The column after the leading tokens holds the remark, recovered from the row text.
+    const records::FieldDescriptor<CQZRIM>* remark = nullptr;
 
     int TrailingCount() const { return static_cast<int>(trailing.size()); }
 };
@@ -63,9 +69,12 @@ struct LayoutFields {
 LayoutFields BuildLayoutFields(LegacyRowLayout layout) {
     LayoutFields fields;
     for (const LegacyField& column : LegacyColumns()) {
-        if (column.Column().group == records::kLeading) {
-            fields.leading.push_back(column);
-        } else if (HoldsGroup(layout, column.Column().group)) {
+        const records::LegacyColumn& place = column.Column();
+        if (place.group == records::kLeading && place.column < kLeadingTokens) {
+            fields.fromTokens.push_back({place.column, column.record});
+        } else if (place.group == records::kLeading && place.column == kLeadingTokens) {
+            fields.remark = column.record;
+        } else if (HoldsGroup(layout, place.group)) {
             fields.trailing.push_back({0, column});
             fields.hasNozzle = fields.hasNozzle || column.nozzle != nullptr;
         }
@@ -189,6 +198,9 @@ bool ReadValue(const records::FieldDescriptor<Target>& field, const char* token,
     return false;
 }
 
+// The trailing fields a row can tell of (a layout holds far fewer).
+constexpr size_t kMaxToldFields = 32;
+
 // Fills the trailing fields; a record field whose token does not convert keeps its value. The
 // nozzle fields fill a fresh NozzleSpecification, so a member whose token does not convert is
 // 0 whatever the record held, and it replaces the record's own as a whole. Returns the
@@ -196,15 +208,16 @@ bool ReadValue(const records::FieldDescriptor<Target>& field, const char* token,
 uint32_t ReadTrailingFields(const RowTokens& tokens, const LayoutFields& layout, CQZRIM& machine) {
     NozzleSpecification nozzle;
     uint32_t notConverted = 0;
-    for (size_t i = 0; i < layout.trailing.size(); ++i) {
-        const TrailingField& trailing = layout.trailing[i];
+    size_t position = 0;
+    for (const TrailingField& trailing : layout.trailing) {
         const char* token = tokens.FromEnd(trailing.fromEnd);
         const bool converted = trailing.field.record != nullptr
                                    ? ReadValue(*trailing.field.record, token, machine)
                                    : ReadValue(*trailing.field.nozzle, token, nozzle);
-        if (!converted) {
-            notConverted |= uint32_t{1} << i;
+        if (!converted && position < kMaxToldFields) {
+            notConverted |= uint32_t{1} << position;
         }
+        ++position;
     }
     if (layout.hasNozzle) {
         machine.SetNozzleSpecification(nozzle);
@@ -240,7 +253,7 @@ double DerivedShotVolume(const CQZRIM& machine) {
 // up to the first occurrence of the grade text (which may lie inside the ID or the maker, as
 // in the DLL), moved past the maker when maker and grade are the same text.
 void SetRecoveredRemark(const char* row, const RowTokens& tokens, int trailingCount,
-                        const LegacyField& remarkField, CQZRIM& machine) {
+                        const records::FieldDescriptor<CQZRIM>& remarkField, CQZRIM& machine) {
     const int firstTrailing = tokens.Count() - trailingCount;
     const std::string_view kept(row, tokens.Start(firstTrailing) - 1);
     const std::string_view maker(tokens.Token(1), tokens.Length(1));
@@ -262,23 +275,18 @@ void SetRecoveredRemark(const char* row, const RowTokens& tokens, int trailingCo
         std::memcpy(remark, kept.data() + removed, length);
     }
     remark[length] = '\0';
-    remarkField.record->setText(machine, remark);
+    remarkField.setText(machine, remark);
 }
 
 // Maker and grade from the tokens after the ID, the remark from the row text.
 void SetLeadingFields(const char* row, const RowTokens& tokens, const LayoutFields& fields,
                       CQZRIM& machine) {
-    for (const LegacyField& leading : fields.leading) {
-        const int column = leading.Column().column;
-        if (column < kLeadingTokens) {
-            leading.record->setText(machine, tokens.Token(column));
-        }
+    for (const TokenField& leading : fields.fromTokens) {
+        leading.field->setText(machine, tokens.Token(leading.token));
     }
     machine.SetShotVolume(DerivedShotVolume(machine));
-    for (const LegacyField& leading : fields.leading) {
-        if (leading.Column().column == kLeadingTokens) {
-            SetRecoveredRemark(row, tokens, fields.TrailingCount(), leading, machine);
-        }
+    if (fields.remark != nullptr) {
+        SetRecoveredRemark(row, tokens, fields.TrailingCount(), *fields.remark, machine);
     }
 }
 
