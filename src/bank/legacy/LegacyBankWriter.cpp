@@ -70,57 +70,8 @@ std::string OldUserBankHead() {
 // take two exponent digits when they need an exponent, as C99 has it ("1e-05" here, "1e-005"
 // from the DLL); the readers take both.
 //
-// The columns are laid out while compiling, so that each value is fetched by a direct call of
-// its accessor: a save writes tens of columns for each of hundreds of thousands of rows.
-enum class FieldList { kCommon, kIMM, kNozzle };
-
-struct ColumnPlace {
-    FieldList list;
-    size_t index;  // in its list
-    int column;
-};
-
-template <size_t N>
-constexpr size_t CountColumns(const records::LegacyColumn (&columns)[N]) {
-    size_t count = 0;
-    for (const records::LegacyColumn& column : columns) {
-        count += column.column >= 0 ? 1 : 0;
-    }
-    return count;
-}
-
-constexpr size_t kColumnCount = CountColumns(records::kCommonLegacyColumns) +
-                                CountColumns(records::kIMMLegacyColumns) +
-                                CountColumns(records::kNozzleLegacyColumns);
-
-template <size_t N>
-constexpr void AddPlaces(const records::LegacyColumn (&columns)[N], FieldList list,
-                         std::array<ColumnPlace, kColumnCount>* places, size_t* count) {
-    for (size_t index = 0; index < N; ++index) {
-        if (columns[index].column >= 0) {
-            (*places)[(*count)++] = {list, index, columns[index].column};
-        }
-    }
-}
-
-constexpr std::array<ColumnPlace, kColumnCount> ColumnsInRowOrder() {
-    std::array<ColumnPlace, kColumnCount> places{};
-    size_t count = 0;
-    AddPlaces(records::kCommonLegacyColumns, FieldList::kCommon, &places, &count);
-    AddPlaces(records::kIMMLegacyColumns, FieldList::kIMM, &places, &count);
-    AddPlaces(records::kNozzleLegacyColumns, FieldList::kNozzle, &places, &count);
-    for (size_t i = 1; i < count; ++i) {  // insertion sort by column
-        for (size_t j = i; j > 0 && places[j - 1].column > places[j].column; --j) {
-            const ColumnPlace moved = places[j];
-            places[j] = places[j - 1];
-            places[j - 1] = moved;
-        }
-    }
-    return places;
-}
-
-constexpr std::array<ColumnPlace, kColumnCount> kRowColumns = ColumnsInRowOrder();
-
+// The columns are laid out while compiling (kRowColumns), so that each value is fetched by a
+// direct call of its accessor: a save writes tens of columns for each of many rows.
 // The getters of each list, by list index + 1.
 #define QZR_RECORD_GETTER(Name, ...) , [](const CQZRIM& m) { return m.Get##Name(); }
 #define QZR_NOZZLE_GETTER(Name, ...) , [](const NozzleSpecification& n) { return n.Name; }
@@ -151,15 +102,13 @@ template <size_t position>
 void AppendColumn(bank::TextBuffer& row, const CQZRIM& machine, const NozzleSpecification& nozzle) {
     constexpr ColumnPlace place = kRowColumns[position];
     row.Append(',');
-    if constexpr (place.list == FieldList::kCommon) {
-        AppendValue<records::kCommonLegacyColumns[place.index].number>(
-            row, std::get<place.index + 1>(kCommonGetters)(machine));
-    } else if constexpr (place.list == FieldList::kIMM) {
-        AppendValue<records::kIMMLegacyColumns[place.index].number>(
-            row, std::get<place.index + 1>(kIMMGetters)(machine));
+    constexpr records::LegacyNumber number = ColumnAt(place).number;
+    if constexpr (place.list == TableList::kCommon) {
+        AppendValue<number>(row, std::get<place.index + 1>(kCommonGetters)(machine));
+    } else if constexpr (place.list == TableList::kIMM) {
+        AppendValue<number>(row, std::get<place.index + 1>(kIMMGetters)(machine));
     } else {
-        AppendValue<records::kNozzleLegacyColumns[place.index].number>(
-            row, std::get<place.index + 1>(kNozzleGetters)(nozzle));
+        AppendValue<number>(row, std::get<place.index + 1>(kNozzleGetters)(nozzle));
     }
 }
 

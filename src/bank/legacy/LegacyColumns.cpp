@@ -1,7 +1,5 @@
 #include "bank/legacy/LegacyColumns.h"
 
-#include <algorithm>
-
 namespace qzr::legacy {
 
 const char* LegacyField::Label() const {
@@ -14,30 +12,21 @@ const char* LegacyField::Label() const {
 
 namespace {
 
-LegacyField FieldOf(const records::FieldDescriptor<CQZRIM>& field) {
-    return {&field, nullptr};
-}
-LegacyField FieldOf(const records::FieldDescriptor<NozzleSpecification>& field) {
-    return {nullptr, &field};
-}
-
-template <class Target>
-void AddColumns(records::FieldList<Target> fields, std::vector<LegacyField>* columns) {
-    for (const records::FieldDescriptor<Target>& field : fields) {
-        if (field.legacy.column >= 0) {
-            columns->push_back(FieldOf(field));
-        }
-    }
-}
-
 std::vector<LegacyField> SortedColumns() {
     std::vector<LegacyField> columns;
-    AddColumns(records::CommonFields<CQZRIM>(), &columns);
-    AddColumns(records::KindFields<CQZRIM>(), &columns);
-    AddColumns(records::NozzleFields(), &columns);
-    std::sort(columns.begin(), columns.end(), [](const LegacyField& a, const LegacyField& b) {
-        return a.Column().column < b.Column().column;
-    });
+    for (const ColumnPlace& place : kRowColumns) {
+        switch (place.list) {
+            case TableList::kCommon:
+                columns.push_back({&records::CommonFields<CQZRIM>()[place.index], nullptr});
+                break;
+            case TableList::kIMM:
+                columns.push_back({&records::KindFields<CQZRIM>()[place.index], nullptr});
+                break;
+            case TableList::kNozzle:
+                columns.push_back({nullptr, &records::NozzleFields()[place.index]});
+                break;
+        }
+    }
     return columns;
 }
 

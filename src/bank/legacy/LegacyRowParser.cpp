@@ -5,6 +5,8 @@
 #include <cstring>
 #include <iterator>
 #include <string_view>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include <QZRMachine/QZRIM.h>
@@ -24,7 +26,7 @@ namespace {
 constexpr int kLeadingTokens = 3;
 
 // Whether the rows of a layout hold the columns a group added.
-bool HoldsGroup(LegacyRowLayout layout, records::LegacyGroup group) {
+constexpr bool HoldsGroup(LegacyRowLayout layout, records::LegacyGroup group) {
     switch (group) {
         case records::kEveryLayout:
             return true;
@@ -56,9 +58,10 @@ struct TokenField {
     const records::FieldDescriptor<CQZRIM>* field;
 };
 
+// What a row of the layout holds besides its trailing numbers, and the labels of those for a
+// watched load (ReadTrailingFields reads them, laid out while compiling).
 struct LayoutFields {
     std::vector<TrailingField> trailing;  // in column order
-    bool hasNozzle = false;
     std::vector<TokenField> fromTokens;
     // The column after the leading tokens holds the remark, recovered from the row text.
     const records::FieldDescriptor<CQZRIM>* remark = nullptr;
@@ -76,7 +79,6 @@ LayoutFields BuildLayoutFields(LegacyRowLayout layout) {
             fields.remark = column.record;
         } else if (HoldsGroup(layout, place.group)) {
             fields.trailing.push_back({0, column});
-            fields.hasNozzle = fields.hasNozzle || column.nozzle != nullptr;
         }
     }
     for (int i = 0; i < fields.TrailingCount(); ++i) {
@@ -170,59 +172,130 @@ class RowTokens {
     int m_count = 0;
 };
 
-// "%lf" for a real, "%d" for an integer; false, with the target unchanged, when the token does
-// not convert.
-template <class Target>
-bool ReadValue(const records::FieldDescriptor<Target>& field, const char* token, Target& target) {
-    switch (field.type) {
-        case records::FieldType::kReal: {
-            double value = 0.0;
-            if (!platform::ScanDouble(token, &value)) {
-                return false;
-            }
-            field.setReal(target, value);
-            return true;
+// "%lf" for a real, "%d" for an integer, handed to set; false, with set not called, when the
+// token does not convert.
+template <records::FieldType type, class Set>
+bool ReadToken(const char* token, Set set) {
+    if constexpr (type == records::FieldType::kReal) {
+        double value = 0.0;
+        if (!platform::ScanDouble(token, &value)) {
+            return false;
         }
-        case records::FieldType::kInteger: {
-            int value = 0;
-            if (!platform::ScanInt(token, &value)) {
-                return false;
-            }
-            field.setInteger(target, value);
-            return true;
+        set(value);
+    } else if constexpr (type == records::FieldType::kInteger) {
+        int value = 0;
+        if (!platform::ScanInt(token, &value)) {
+            return false;
         }
-        case records::FieldType::kText:
-            field.setText(target, token);
-            return true;
+        set(value);
+    } else {
+        set(token);
     }
-    return false;
+    return true;
 }
 
-// The trailing fields a row can tell of (a layout holds far fewer).
-constexpr size_t kMaxToldFields = 32;
+// The readers of each list, by list index + 1: a field from its token.
+#define QZR_PASSED(Type) records::FieldValue<records::FieldType::k##Type>::Passed
+#define QZR_RECORD_READER(Name, Type, ...)                                \
+    , [](CQZRIM& m, const char* token) {                                  \
+        return ReadToken<records::FieldType::k##Type>(                    \
+            token, [&m](QZR_PASSED(Type) value) { m.Set##Name(value); }); \
+    }
+#define QZR_NOZZLE_READER(Name, Type, ...)                            \
+    , [](NozzleSpecification& n, const char* token) {                 \
+        return ReadToken<records::FieldType::k##Type>(                \
+            token, [&n](QZR_PASSED(Type) value) { n.Name = value; }); \
+    }
+constexpr auto kCommonReaders = std::make_tuple(0 QZR_COMMON_FIELDS(QZR_RECORD_READER));
+constexpr auto kIMMReaders = std::make_tuple(0 QZR_IMM_FIELDS(QZR_RECORD_READER));
+constexpr auto kNozzleReaders = std::make_tuple(0 QZR_NOZZLE_FIELDS(QZR_NOZZLE_READER));
+#undef QZR_PASSED
+#undef QZR_RECORD_READER
+#undef QZR_NOZZLE_READER
+
+// The trailing columns of a layout, in column order, while compiling.
+template <LegacyRowLayout layout>
+struct TrailingPlan {
+    static constexpr size_t kCount = [] {
+        size_t count = 0;
+        for (const ColumnPlace& place : kRowColumns) {
+            count += HoldsGroup(layout, ColumnAt(place).group) ? 1 : 0;
+        }
+        return count;
+    }();
+    static constexpr std::array<ColumnPlace, kCount> kPlaces = [] {
+        std::array<ColumnPlace, kCount> places{};
+        size_t count = 0;
+        for (const ColumnPlace& place : kRowColumns) {
+            if (HoldsGroup(layout, ColumnAt(place).group)) {
+                places[count++] = place;
+            }
+        }
+        return places;
+    }();
+    static constexpr bool kHasNozzle = [] {
+        for (const ColumnPlace& place : kPlaces) {
+            if (place.list == TableList::kNozzle) {
+                return true;
+            }
+        }
+        return false;
+    }();
+    static_assert(kCount <= 32, "the positions that did not convert are bits of a uint32_t");
+};
+
+template <LegacyRowLayout layout, size_t position>
+bool ReadColumn(const RowTokens& tokens, CQZRIM& machine, NozzleSpecification& nozzle) {
+    using Plan = TrailingPlan<layout>;
+    constexpr ColumnPlace place = Plan::kPlaces[position];
+    const char* token = tokens.FromEnd(static_cast<int>(Plan::kCount - position));
+    if constexpr (place.list == TableList::kCommon) {
+        return std::get<place.index + 1>(kCommonReaders)(machine, token);
+    } else if constexpr (place.list == TableList::kIMM) {
+        return std::get<place.index + 1>(kIMMReaders)(machine, token);
+    } else {
+        return std::get<place.index + 1>(kNozzleReaders)(nozzle, token);
+    }
+}
 
 // Fills the trailing fields; a record field whose token does not convert keeps its value. The
 // nozzle fields fill a fresh NozzleSpecification, so a member whose token does not convert is
 // 0 whatever the record held, and it replaces the record's own as a whole. Returns the
-// positions in layout.trailing of the tokens that did not convert.
-uint32_t ReadTrailingFields(const RowTokens& tokens, const LayoutFields& layout, CQZRIM& machine) {
+// positions among the trailing fields of the tokens that did not convert.
+template <LegacyRowLayout layout, size_t... positions>
+uint32_t ReadTrailing(const RowTokens& tokens, CQZRIM& machine, std::index_sequence<positions...>) {
     NozzleSpecification nozzle;
     uint32_t notConverted = 0;
-    size_t position = 0;
-    for (const TrailingField& trailing : layout.trailing) {
-        const char* token = tokens.FromEnd(trailing.fromEnd);
-        const bool converted = trailing.field.record != nullptr
-                                   ? ReadValue(*trailing.field.record, token, machine)
-                                   : ReadValue(*trailing.field.nozzle, token, nozzle);
-        if (!converted && position < kMaxToldFields) {
-            notConverted |= uint32_t{1} << position;
-        }
-        ++position;
-    }
-    if (layout.hasNozzle) {
+    ((notConverted |= ReadColumn<layout, positions>(tokens, machine, nozzle)
+                          ? uint32_t{0}
+                          : uint32_t{1} << positions),
+     ...);
+    if constexpr (TrailingPlan<layout>::kHasNozzle) {
         machine.SetNozzleSpecification(nozzle);
     }
     return notConverted;
+}
+
+template <LegacyRowLayout layout>
+uint32_t ReadTrailingOf(const RowTokens& tokens, CQZRIM& machine) {
+    return ReadTrailing<layout>(tokens, machine,
+                                std::make_index_sequence<TrailingPlan<layout>::kCount>());
+}
+
+uint32_t ReadTrailingFields(const RowTokens& tokens, LegacyRowLayout layout, CQZRIM& machine) {
+    switch (layout) {
+        case LegacyRowLayout::kUser7003:
+            return ReadTrailingOf<LegacyRowLayout::kUser7003>(tokens, machine);
+        case LegacyRowLayout::kUser7004:
+            return ReadTrailingOf<LegacyRowLayout::kUser7004>(tokens, machine);
+        case LegacyRowLayout::kUser7005:
+            return ReadTrailingOf<LegacyRowLayout::kUser7005>(tokens, machine);
+        case LegacyRowLayout::kSystem7007:
+            return ReadTrailingOf<LegacyRowLayout::kSystem7007>(tokens, machine);
+        case LegacyRowLayout::kBase:
+            break;
+    }
+    return ReadTrailingOf<LegacyRowLayout::kBase>(tokens, machine);
 }
 
 void ReportNotConverted(const RowWatch& watch, const RowTokens& tokens, const LayoutFields& layout,
@@ -304,7 +377,7 @@ bool ParseOldRow(const char* row, LegacyRowLayout layout, CQZRIM& machine, const
         return false;
     }
 
-    const uint32_t notConverted = ReadTrailingFields(tokens, fields, machine);
+    const uint32_t notConverted = ReadTrailingFields(tokens, layout, machine);
     if (watch != nullptr && notConverted != 0) {
         ReportNotConverted(*watch, tokens, fields, notConverted);
     }
