@@ -82,9 +82,11 @@ struct MachineCount {
 // the same kind in that section, or 0; for a legacy row whatever the row's conversion left).
 struct FieldNotConverted {
     std::string_view path;
-    long line = 0;           // the line that holds the value
-    long number = 0;         // the section number n of "[Machine-n]", or 0 for a legacy row
-    std::string_view field;  // the field's key in the sectioned format, or its legacy column name
+    long line = 0;    // the line that holds the value
+    long number = 0;  // the section number n of "[Machine-n]", or 0 for a legacy row
+    // The field's key in the sectioned format, or its legacy column title (the nozzle columns,
+    // which have none, by their field's name: "NozzleSpecification.Value1").
+    std::string_view field;
     std::string_view value;  // the text as the reader saw it
 };
 

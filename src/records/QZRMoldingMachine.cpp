@@ -3,22 +3,13 @@
 #include <cstring>
 #include <string>
 
+#include "records/MachineFields.h"
 #include "records/NameRule.h"
-#include "records/TextField.h"
-
-using qzr::records::StoreText;
 
 struct CQZRMoldingMachine::Fields {
-    int makerId = -1;
-    int machineId = -1;
-    int gradeId = -1;
-    int controllerId = 0;
+    QZR_COMMON_FIELDS(QZR_ROW_MEMBER)
+    QZR_CATALOGUE_NUMBERS(QZR_ROW_MEMBER)
     int machineType = -1;  // only the constructors of CQZRIM and CQZRRTM change it
-    std::string controllerGrade;
-    std::string maker;
-    std::string grade;
-    std::string lastModifiedDate;
-    std::string remark;
 };
 
 CQZRMoldingMachine::CQZRMoldingMachine() : m_fields(std::make_unique<Fields>()) {}
@@ -37,63 +28,10 @@ CQZRMoldingMachine& CQZRMoldingMachine::operator=(const CQZRMoldingMachine& othe
 
 CQZRMoldingMachine::~CQZRMoldingMachine() = default;
 
-void CQZRMoldingMachine::SetMakerID(int makerId) {
-    m_fields->makerId = makerId;
-}
-void CQZRMoldingMachine::SetMachineID(int machineId) {
-    m_fields->machineId = machineId;
-}
-void CQZRMoldingMachine::SetGradeID(int gradeId) {
-    m_fields->gradeId = gradeId;
-}
-void CQZRMoldingMachine::SetControllerID(int controllerId) {
-    m_fields->controllerId = controllerId;
-}
-
-void CQZRMoldingMachine::SetMaker(const char* maker) {
-    StoreText(&m_fields->maker, maker);
-}
-void CQZRMoldingMachine::SetGrade(const char* grade) {
-    StoreText(&m_fields->grade, grade);
-}
-void CQZRMoldingMachine::SetControllerGrade(const char* controllerGrade) {
-    StoreText(&m_fields->controllerGrade, controllerGrade);
-}
-void CQZRMoldingMachine::SetLastModifiedDate(const char* date) {
-    StoreText(&m_fields->lastModifiedDate, date);
-}
-void CQZRMoldingMachine::SetRemark(const char* remark) {
-    StoreText(&m_fields->remark, remark);
-}
-
-int CQZRMoldingMachine::GetMakerID() const {
-    return m_fields->makerId;
-}
-int CQZRMoldingMachine::GetMachineID() const {
-    return m_fields->machineId;
-}
-int CQZRMoldingMachine::GetGradeID() const {
-    return m_fields->gradeId;
-}
-int CQZRMoldingMachine::GetControllerID() const {
-    return m_fields->controllerId;
-}
-
-const char* CQZRMoldingMachine::GetControllerGrade() const {
-    return m_fields->controllerGrade.c_str();
-}
-const char* CQZRMoldingMachine::GetMaker() const {
-    return m_fields->maker.c_str();
-}
-const char* CQZRMoldingMachine::GetGrade() const {
-    return m_fields->grade.c_str();
-}
-const char* CQZRMoldingMachine::GetLastModifiedDate() const {
-    return m_fields->lastModifiedDate.c_str();
-}
-const char* CQZRMoldingMachine::GetRemark() const {
-    return m_fields->remark.c_str();
-}
+#define QZR_COMMON_ACCESSORS(Name, Type, ...) QZR_FIELD_ACCESSORS(CQZRMoldingMachine, Name, Type)
+QZR_COMMON_FIELDS(QZR_COMMON_ACCESSORS)
+QZR_CATALOGUE_NUMBERS(QZR_COMMON_ACCESSORS)
+#undef QZR_COMMON_ACCESSORS
 
 // The whole buffer is cleared first, so a host sees only NULs after the name, and an empty text
 // when the name does not fit: the name is never cut short.
@@ -109,8 +47,8 @@ bool CQZRMoldingMachine::GetName(char* buffer, int size) const {
 
     static constexpr char kSeparator[] = " - ";
     constexpr size_t kSeparatorLength = sizeof(kSeparator) - 1;
-    const std::string& maker = m_fields->maker;
-    const std::string& grade = m_fields->grade;
+    const std::string& maker = m_fields->Maker;
+    const std::string& grade = m_fields->Grade;
     const size_t makerLength = maker.size();
     const size_t gradeLength = grade.size();
     // Compared piece by piece so that no sum can wrap around.

@@ -122,6 +122,58 @@ TEST(LoadObserver, EachLoaderTellsWhatItDidLineByLine) {
     }
 }
 
+// Values that do not convert, in reading order: a section's keys as a section is read (a
+// transfer press reads ClampingForce right after PlungerSpeed), a row's columns left to right.
+TEST(LoadObserver, EveryValueThatDoesNotConvertIsToldWithItsLineAndField) {
+    struct NotConverted : qzr::bank::LoadObserver {
+        void OnFieldNotConverted(const qzr::bank::FieldNotConverted& e) override {
+            events += std::to_string(e.line) + ": [" + std::to_string(e.number) + "] " +
+                      std::string(e.field) + " '" + std::string(e.value) + "'\n";
+        }
+        std::string events;
+    };
+    const Row rows[] = {
+        {"sectioned: an empty integer, a key taken from the next section; \"7x\" reads 7",
+         "User-IMM.bnk",
+         Lines({"[FileHeader]", "Version = 9000", "Format = 1", "Type = 0", "[Machine-1]",
+                "Maker = Ardmoor", "Grade = I-1", "ScrewDiameter = abc",
+                "TemperatureControlZones = ", "ShotWeight = 12.5", "[Machine-2]", "Maker = Ardmoor",
+                "Grade = I-2", "EjectorPoint = 7x", "ClampingForce = -"}),
+         [](auto& io, auto path, auto c) { return io.LoadIMMUserDatabase(path, c); },
+         "8: [1] ScrewDiameter 'abc'\n9: [1] TemperatureControlZones ''\n"
+         "15: [1] ClampingForce '-'\n15: [2] ClampingForce '-'\n"},
+        {"sectioned transfer press", "User-RTMIC.bnk",
+         Lines({"[FileHeader]", "Version = 9000", "Format = 1", "Type = 1", "[Machine-1]",
+                "Maker = Ardmoor", "Grade = T-1", "TransferPressure = n/a", "ClampingForce = ?",
+                "PlungerSpeed = fast"}),
+         [](auto& io, auto path, auto c) { return io.LoadRTMUserDatabase(path, c); },
+         "10: [1] PlungerSpeed 'fast'\n9: [1] ClampingForce '?'\n"
+         "8: [1] TransferPressure 'n/a'\n"},
+        {"legacy user bank: record and nozzle columns", "u.bnk",
+         Lines({"[Header]", "Version,7007", "[Database]",
+                "1,Ardmoor,AM-1,,x,2,3,4,5,6,0.1,0.2,3,2500,e,1,1,1,2,3,4,5,q"}),
+         [](auto& io, auto path, auto c) { return io.LoadOldIMMUserDatabase(path, c); },
+         "4: [0] ClampForce 'x'\n4: [0] MachineType 'e'\n"
+         "4: [0] NozzleSpecification.Value6 'q'\n"},
+        {"legacy system bank: a blank field", "s.bnk",
+         Lines({"[Header],,,,,,,,,", "Version,7007,,", "TotalNo,1,,", "[Database],,",
+                "1,Ardmoor,AM-1,,40, ,210,86.2,28,110,0,--1"}),
+         [](auto& io, auto path, auto c) { return io.LoadOldIMMSystemDatabase(path, c); },
+         "5: [0] ShotWeight ' '\n5: [0] HydralicPressureTransferFactor '--1'\n"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        TempFolder folder;
+        const std::string path = folder.Write(row.file, row.text);
+        NotConverted recorder;
+        qzr::bank::ScopedLoadObserver observe(&recorder);
+        CQZRMoldingMachineIO io;
+        CQZRMoldingMachineCtrl catalogue;
+        row.load(io, path.c_str(), &catalogue);
+        EXPECT_EQ(recorder.events, row.events);
+    }
+}
+
 TEST(LoadObserver, AFolderLoadNamesEveryFileItLooksAt) {
     TempFolder folder;
     const std::string header = Lines({"[FileHeader]", "Version = 9000", "Format = 0", "Type = 0"});

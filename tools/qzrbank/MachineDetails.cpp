@@ -1,130 +1,98 @@
 #include "MachineDetails.h"
 
+#include <type_traits>
+
 #include "Numbers.h"
+#include "records/MachineFields.h"
 
 namespace qzrbank {
 
 namespace {
 
-// Which formats carry an attribute.
-enum Carried { kNone = 0, kLegacy = 1, kSectioned = 2, kBoth = 3 };
+using qzr::records::FieldDescriptor;
+using qzr::records::FieldList;
+using qzr::records::FieldType;
+
+// Which fields of a list to take: those some bank format carries, those none does, or all.
+enum class Which { kCarried, kNotCarried, kAll };
 
 class AttributeList {
   public:
-    void Number(const char* name, double value, Carried carried, const char* unit = "") {
-        Attribute attribute = Make(name, carried, unit);
-        attribute.numeric = true;
-        attribute.number = value;
-        attribute.text = FormatNumber(value);
-        m_attributes.push_back(std::move(attribute));
-    }
-    void Integer(const char* name, int value, Carried carried) {
-        Number(name, static_cast<double>(value), carried);
-        m_attributes.back().integer = true;
-    }
-    void Text(const char* name, const char* value, Carried carried) {
-        Attribute attribute = Make(name, carried, "");
-        attribute.text = value != nullptr ? value : "";
-        m_attributes.push_back(std::move(attribute));
-    }
-    void CatalogueNumber(const char* name, int value) {
-        Integer(name, value, kNone);
-        m_attributes.back().catalogueNumber = true;
+    // hasLegacyBank: the record's kind has a legacy bank (injection moulding only).
+    explicit AttributeList(bool hasLegacyBank) : m_hasLegacyBank(hasLegacyBank) {}
+
+    template <class Target>
+    void Add(FieldList<Target> fields, const Target& target, Which which,
+             bool catalogueNumbers = false) {
+        for (const FieldDescriptor<Target>& field : fields) {
+            Attribute attribute = Make(field, target);
+            const bool carried = attribute.inLegacy || attribute.inSectioned;
+            if (which == Which::kAll || carried == (which == Which::kCarried)) {
+                attribute.catalogueNumber = catalogueNumbers;
+                m_attributes.push_back(std::move(attribute));
+            }
+        }
     }
     std::vector<Attribute> Take() { return std::move(m_attributes); }
 
   private:
-    static Attribute Make(const char* name, Carried carried, const char* unit) {
+    template <class Target>
+    Attribute Make(const FieldDescriptor<Target>& field, const Target& target) const {
         Attribute attribute;
-        attribute.name = name;
-        attribute.unit = unit;
-        attribute.inLegacy = (carried & kLegacy) != 0;
-        attribute.inSectioned = (carried & kSectioned) != 0;
+        attribute.name = field.name;
+        attribute.unit = field.unit;
+        attribute.inLegacy = m_hasLegacyBank && field.legacy.column >= 0;
+        attribute.inSectioned = field.section.key != nullptr;
+        switch (field.type) {
+            case FieldType::kText: {
+                const char* text = field.getText(target);
+                attribute.text = text != nullptr ? text : "";
+                break;
+            }
+            case FieldType::kInteger:
+                attribute.integer = true;
+                SetNumber(static_cast<double>(field.getInteger(target)), &attribute);
+                break;
+            case FieldType::kReal:
+                SetNumber(field.getReal(target), &attribute);
+                break;
+        }
         return attribute;
     }
+    static void SetNumber(double value, Attribute* attribute) {
+        attribute->numeric = true;
+        attribute->number = value;
+        attribute->text = FormatNumber(value);
+    }
 
+    bool m_hasLegacyBank;
     std::vector<Attribute> m_attributes;
 };
 
-void DescribeBase(const CQZRMoldingMachine& machine, AttributeList* list, Carried remarkAndNames) {
-    list->Text("Maker", machine.GetMaker(), remarkAndNames);
-    list->Text("Grade", machine.GetGrade(), remarkAndNames);
-    list->Integer("Controller", machine.GetControllerID(), kSectioned);
-    list->Text("Remark", machine.GetRemark(), remarkAndNames);
-}
-
-void DescribeBaseRest(const CQZRMoldingMachine& machine, AttributeList* list) {
-    list->Text("ControllerGrade", machine.GetControllerGrade(), kNone);
-    list->Text("LastModifiedDate", machine.GetLastModifiedDate(), kNone);
-    list->Integer("GradeID", machine.GetGradeID(), kNone);
-    list->CatalogueNumber("MakerID", machine.GetMakerID());
-    list->CatalogueNumber("MachineID", machine.GetMachineID());
+// What the banks carry first: the common fields, the kind's own, the nozzle data; then what
+// they do not, the kind's before the common ones; the catalogue's numbers last.
+template <class Record>
+std::vector<Attribute> Describe(const Record& machine, const NozzleSpecification* nozzle) {
+    AttributeList list(std::is_same_v<Record, CQZRIM>);
+    list.Add(qzr::records::CommonFields<Record>(), machine, Which::kCarried);
+    list.Add(qzr::records::KindFields<Record>(), machine, Which::kCarried);
+    if (nozzle != nullptr) {
+        list.Add(qzr::records::NozzleFields(), *nozzle, Which::kAll);
+    }
+    list.Add(qzr::records::KindFields<Record>(), machine, Which::kNotCarried);
+    list.Add(qzr::records::CommonFields<Record>(), machine, Which::kNotCarried);
+    list.Add(qzr::records::CatalogueNumbers<Record>(), machine, Which::kAll, true);
+    return list.Take();
 }
 
 }  // namespace
 
-std::vector<Attribute> DescribeMachine(const CQZRIM& m) {
-    AttributeList list;
-    DescribeBase(m, &list, kBoth);
-    list.Number("ScrewDiameter", m.GetScrewDiameter(), kBoth, "mm");
-    list.Number("ScrewStroke", m.GetScrewStroke(), kBoth, "mm");
-    // The legacy bank has no shot volume column; its reader derives it from the screw.
-    list.Number("ShotVolume", m.GetShotVolume(), kSectioned);
-    list.Number("ShotWeight", m.GetShotWeight(), kBoth, "g");
-    list.Number("InjectionPressure", m.GetInjectionPressure(), kBoth, "MPa");
-    list.Number("HoldingPressure", m.GetHoldingPressure(), kSectioned);
-    list.Number("InjectionSpeed", m.GetInjectionSpeed(), kSectioned);
-    list.Number("InjectionRate", m.GetInjectionRate(), kBoth, "cc/s");
-    list.Number("PlasticationRate", m.GetPlasticationRate(), kSectioned);
-    list.Number("ScrewSpeed", m.GetScrewSpeed(), kSectioned);
-    list.Number("NozzleContactForce", m.GetNozzleContactForce(), kSectioned);
-    list.Number("NozzleStroke", m.GetNozzleStroke(), kSectioned);
-    list.Number("HeaterWattage", m.GetHeaterWattage(), kSectioned);
-    list.Integer("TemperatureControlZone", m.GetTemperatureControlZone(), kSectioned);
-    list.Number("ClampingForce", m.GetClampingForce(), kBoth, "ton");
-    list.Number("OpeningStroke", m.GetOpeningStroke(), kSectioned);
-    list.Number("MaxDaylight", m.GetMaxDaylight(), kSectioned);
-    list.Number("MoldHeight", m.GetMoldHeight(), kSectioned);
-    list.Text("DistanceBetweenTieBars", m.GetDistanceBetweenTieBars(), kSectioned);
-    list.Text("PlatenSize", m.GetPlatenSize(), kSectioned);
-    list.Integer("EjectorPoint", m.GetEjectorPoint(), kSectioned);
-    list.Number("EjectorForce", m.GetEjectorForce(), kSectioned);
-    list.Number("EjectorStroke", m.GetEjectorStroke(), kSectioned);
-    list.Number("MachineWeight", m.GetMachineWeight(), kSectioned);
-    list.Text("MachineDimension", m.GetMachineDimension(), kSectioned);
-    list.Number("TimeConstFR", m.GetTimeConstFR(), kLegacy, "sec");
-    list.Number("TimeConstIP", m.GetTimeConstIP(), kLegacy, "sec");
-    list.Number("NozzleVolume", m.GetNozzleVolume(), kLegacy, "cm3");
-    list.Number("MaxPressureSlope", m.GetMaxPressureSlope(), kLegacy);
-    list.Integer("MachineEnergyType", m.GetMachineEnergyType(), kLegacy);
-    list.Number("HydraulicPressureTransferFactor", m.GetHydraulicPressureTransferFactor(), kLegacy);
-    const NozzleSpecification& nozzle = m.GetNozzleSpecification();
-    list.Integer("NozzleSpecification.Type", nozzle.Type, kLegacy);
-    list.Number("NozzleSpecification.Value1", nozzle.Value1, kLegacy);
-    list.Number("NozzleSpecification.Value2", nozzle.Value2, kLegacy);
-    list.Number("NozzleSpecification.Value3", nozzle.Value3, kLegacy);
-    list.Number("NozzleSpecification.Value4", nozzle.Value4, kLegacy);
-    list.Number("NozzleSpecification.Value5", nozzle.Value5, kLegacy);
-    list.Number("NozzleSpecification.Value6", nozzle.Value6, kLegacy);
-    list.Text("ScrewType", m.GetScrewType(), kNone);
-    DescribeBaseRest(m, &list);
-    return list.Take();
+std::vector<Attribute> DescribeMachine(const CQZRIM& machine) {
+    return Describe(machine, &machine.GetNozzleSpecification());
 }
 
-std::vector<Attribute> DescribeMachine(const CQZRRTM& m) {
-    AttributeList list;
-    DescribeBase(m, &list, kSectioned);
-    list.Number("PlungerDiameter", m.GetPlungerDiameter(), kSectioned);
-    list.Number("PlungerStroke", m.GetPlungerStroke(), kSectioned);
-    list.Number("PlungerSpeed", m.GetPlungerSpeed(), kSectioned);
-    list.Number("TransferPressure", m.GetTransferPressure(), kSectioned);
-    list.Number("TransferForce", m.GetTransferForce(), kSectioned);
-    list.Number("TransferRate", m.GetTransferRate(), kSectioned);
-    list.Number("ClampingForce", m.GetClampingForce(), kSectioned);
-    list.Number("ShotWeight", m.GetShotWeight(), kSectioned);
-    list.Number("ShotVolume", m.GetShotVolume(), kSectioned);
-    DescribeBaseRest(m, &list);
-    return list.Take();
+std::vector<Attribute> DescribeMachine(const CQZRRTM& machine) {
+    return Describe<CQZRRTM>(machine, nullptr);
 }
 
 MachineSummary Summarize(const CQZRIM& m) {

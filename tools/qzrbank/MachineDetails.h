@@ -1,6 +1,6 @@
-// Every attribute of a machine record as the tool shows it: its name, its value, its unit
-// where the bank formats give one (the legacy bank's unit line: ton, g, MPa, cc/s, mm, sec,
-// cm3), and which bank formats carry it.
+// Every attribute of a machine record as the tool shows it, as the field table
+// (records/MachineFields.h) describes it: its name, its value, its unit where one is known,
+// and which bank formats carry it.
 #ifndef QZRBANK_MACHINEDETAILS_H
 #define QZRBANK_MACHINEDETAILS_H
 

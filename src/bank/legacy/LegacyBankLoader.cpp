@@ -212,8 +212,9 @@ class LegacyBankScan {
     // one that runs out of memory, drops the machine).
     bank::LegacyLine LoadRow() {
         auto machine = std::make_unique<CQZRIM>(m_defaultMachine);
-        if (!ParseOldRow(m_text.data(), m_rules.rowLayout(m_catalogue.GetFileVersion()),
-                         *machine)) {
+        const RowWatch watch{m_observer, m_path, m_file.LineNumber()};
+        if (!ParseOldRow(m_text.data(), m_rules.rowLayout(m_catalogue.GetFileVersion()), *machine,
+                         m_observer != nullptr ? &watch : nullptr)) {
             return bank::LegacyLine::kRowTooFewFields;
         }
         if (CQZRMoldingMachineDatabase* store = CQZRMoldingMachineCtrlAccess::Store(m_catalogue)) {

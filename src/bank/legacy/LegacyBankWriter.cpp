@@ -1,9 +1,12 @@
 // Writing a catalogue as a legacy tabular user bank. The writer always writes version 7007
 // with its rows in the 7005 layout, whatever version the catalogue came from, so that older
 // hosts reading "user-pro.bnk" get the layout they expect.
-#include <initializer_list>
+#include <array>
+#include <cstddef>
 #include <string>
 #include <string_view>
+#include <tuple>
+#include <utility>
 
 #include <QZRMachine/QZRIM.h>
 #include <QZRMachine/QZRMoldingMachineCtrl.h>
@@ -13,6 +16,7 @@
 #include "bank/QZRMoldingMachineWriter.h"
 #include "bank/SaveProtocol.h"
 #include "bank/TextBuffer.h"
+#include "bank/legacy/LegacyColumns.h"
 #include "catalogue/QZRMoldingMachineCtrlAccess.h"
 #include "platform/CNumbers.h"
 #include "platform/TextWriter.h"
@@ -34,86 +38,106 @@ bool IsOldUserBankOfIMM(const CQZRMoldingMachineCtrl& catalogue) {
            catalogue.GetFileType() == 0;
 }
 
-// The header, the column titles and units (no reader looks at those), and the rows' marker.
-constexpr const char* kOldUserBankHead =
-    "[Header]\n"
-    "Version,7007\n"
-    "\n"
-    "[Format]\n"
-    "ID,Maker,Grade,Remark,ClampForce,ShotWeight,Max.Pressure,Max.FlowRate,ScrewDiameter,"
-    "Max.RamPosition,TimeConstFR,TimeConstIP,NozzleVolume,MaxPressureSlope,MachineType,"
-    "HydralicPressureTransferFactor,\n"
-    "Unit,,,,ton,g,MPa,cc/s,mm,mm,sec,sec,cm3,,,,\n"
-    "\n"
-    "[Database]\n";
+// The header, the column titles and units of the writer's row (no reader looks at those),
+// and the rows' marker.
+std::string OldUserBankHead() {
+    std::string titles = "ID,";
+    std::string units = "Unit,";
+    for (const LegacyField& column : LegacyColumns()) {
+        if (const char* title = column.Column().title) {
+            titles += title;
+            titles += ',';
+            units += column.Unit();
+            units += ',';
+        }
+    }
+    return "[Header]\n"
+           "Version,7007\n"
+           "\n"
+           "[Format]\n" +
+           titles + "\n" + units +
+           "\n"
+           "\n"
+           "[Database]\n";
+}
 
 // Every row has ID 1: the user-bank reader takes no other. Texts go out as they stand, so a
 // comma in a maker or grade, or a line end in any text, breaks the row for the reader.
 //
-// The row is the text of the C format
-//   "%d,%s,%s,%s,%6.2f,%6.2f,%6.2f,%6.2f,%6.2f,%6.2f,%lg,%lg,%6.2f,%6.2f,%d,%6.2f,%d,%6.2f,"
-//   "%6.2f,%6.2f,%6.2f,%6.2f,%6.2f\n"
-// put together field by field (platform/CNumbers.h writes each number as that format would).
-// The time constants ("%lg") take two exponent digits when they need an exponent, as C99 has it
-// ("1e-05" here, "1e-005" from the DLL); the readers take both.
+// The row holds every column of the field table in column order: texts as "%s", integers as
+// "%d", reals as "%6.2f" or, where the table says so, "%lg", put together field by field
+// (platform/CNumbers.h writes each number as that format would). The time constants ("%lg")
+// take two exponent digits when they need an exponent, as C99 has it ("1e-05" here, "1e-005"
+// from the DLL); the readers take both.
+//
+// The columns are laid out while compiling (kRowColumns), so that each value is fetched by a
+// direct call of its accessor: a save writes tens of columns for each of many rows.
+// The getters of each list, by list index + 1.
+#define QZR_RECORD_GETTER(Name, ...) , [](const CQZRIM& m) { return m.Get##Name(); }
+#define QZR_NOZZLE_GETTER(Name, ...) , [](const NozzleSpecification& n) { return n.Name; }
+constexpr auto kCommonGetters = std::make_tuple(0 QZR_COMMON_FIELDS(QZR_RECORD_GETTER));
+constexpr auto kIMMGetters = std::make_tuple(0 QZR_IMM_FIELDS(QZR_RECORD_GETTER));
+constexpr auto kNozzleGetters = std::make_tuple(0 QZR_NOZZLE_FIELDS(QZR_NOZZLE_GETTER));
+#undef QZR_RECORD_GETTER
+#undef QZR_NOZZLE_GETTER
+
+template <records::LegacyNumber>
+void AppendValue(bank::TextBuffer& row, const char* text) {
+    row.AppendText(text);
+}
+template <records::LegacyNumber>
+void AppendValue(bank::TextBuffer& row, int value) {
+    row.AppendNumber(&platform::WriteD, value);
+}
+template <records::LegacyNumber number>
+void AppendValue(bank::TextBuffer& row, double value) {
+    if constexpr (number == records::LegacyNumber::kGeneral) {
+        row.AppendNumber(&platform::WriteLg, value);
+    } else {
+        row.AppendNumber(&platform::WriteWidth6Fixed2, value);
+    }
+}
+
+template <size_t position>
+void AppendColumn(bank::TextBuffer& row, const CQZRIM& machine, const NozzleSpecification& nozzle) {
+    constexpr ColumnPlace place = kRowColumns[position];
+    row.Append(',');
+    constexpr records::LegacyNumber number = ColumnAt(place).number;
+    if constexpr (place.list == TableList::kCommon) {
+        AppendValue<number>(row, std::get<place.index + 1>(kCommonGetters)(machine));
+    } else if constexpr (place.list == TableList::kIMM) {
+        AppendValue<number>(row, std::get<place.index + 1>(kIMMGetters)(machine));
+    } else {
+        AppendValue<number>(row, std::get<place.index + 1>(kNozzleGetters)(nozzle));
+    }
+}
+
+template <size_t... positions>
+void AppendColumns(bank::TextBuffer& row, const CQZRIM& machine,
+                   std::index_sequence<positions...>) {
+    const NozzleSpecification& nozzle = machine.GetNozzleSpecification();
+    (AppendColumn<positions>(row, machine, nozzle), ...);
+}
+
 class LegacyUserRow {
   public:
     // The row of the machine, valid until the next call.
     std::string_view Of(const CQZRIM& machine) {
-        const NozzleSpecification& nozzle = machine.GetNozzleSpecification();
         m_row.Clear();
-        Int(1);
-        Text(machine.GetMaker());
-        Text(machine.GetGrade());
-        Text(machine.GetRemark());
-        for (const double value :
-             {machine.GetClampingForce(), machine.GetShotWeight(), machine.GetInjectionPressure(),
-              machine.GetInjectionRate(), machine.GetScrewDiameter(), machine.GetScrewStroke()}) {
-            Fixed(value);
-        }
-        General(machine.GetTimeConstFR());
-        General(machine.GetTimeConstIP());
-        Fixed(machine.GetNozzleVolume());
-        Fixed(machine.GetMaxPressureSlope());
-        Int(machine.GetMachineEnergyType());
-        Fixed(machine.GetHydraulicPressureTransferFactor());
-        Int(nozzle.Type);
-        for (const double value :
-             {nozzle.Value1, nozzle.Value2, nozzle.Value3, nozzle.Value4, nozzle.Value5}) {
-            Fixed(value);
-        }
-        Last(nozzle.Value6);
+        m_row.AppendNumber(&platform::WriteD, 1);
+        AppendColumns(m_row, machine, std::make_index_sequence<kColumnCount>());
         m_row.Append('\n');
         return m_row.View();
     }
 
   private:
-    // Every field but the last is followed by a comma, the last by the line end.
-    void Text(const char* text) {
-        m_row.AppendText(text);
-        m_row.Append(',');
-    }
-    void Int(int value) {
-        m_row.AppendNumber(&platform::WriteD, value);
-        m_row.Append(',');
-    }
-    void Fixed(double value) {
-        m_row.AppendNumber(&platform::WriteWidth6Fixed2, value);
-        m_row.Append(',');
-    }
-    void General(double value) {
-        m_row.AppendNumber(&platform::WriteLg, value);
-        m_row.Append(',');
-    }
-    void Last(double value) { m_row.AppendNumber(&platform::WriteWidth6Fixed2, value); }
-
     bank::TextBuffer m_row;
 };
 
 // Every injection-moulding machine in catalogue order; an index that falls on a machine of a
 // transfer-moulding group is not handed out as a CQZRIM and gets no row.
 void WriteOldUserBank(platform::TextWriter& out, const CQZRMoldingMachineCtrl& catalogue) {
-    out.Write(kOldUserBankHead);
+    out.Write(OldUserBankHead());
     const bank::CatalogueWalk walk(catalogue);
     LegacyUserRow row;
     for (int index = 0; index < walk.TotalMachine(); ++index) {

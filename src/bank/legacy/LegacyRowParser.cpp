@@ -3,11 +3,16 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <iterator>
 #include <string_view>
+#include <tuple>
+#include <utility>
+#include <vector>
 
 #include <QZRMachine/QZRIM.h>
 
 #include "bank/QZRMoldingMachineReader.h"
+#include "bank/legacy/LegacyColumns.h"
 #include "bank/legacy/LegacyRowNumbers.h"
 #include "platform/CNumbers.h"
 
@@ -17,92 +22,84 @@ using bank::LegacyRowLayout;
 
 namespace {
 
-// One trailing numeric field: its place counted back from the last token (1 = last), and the
-// setter that takes it ("%lf" for a real, "%d" for an int).
-struct TrailingField {
-    int fromEnd;
-    void (CQZRIM::*setReal)(double);
-    void (CQZRIM::*setInt)(int);
-};
+// ID, maker and grade come before the trailing fields.
+constexpr int kLeadingTokens = 3;
 
-constexpr TrailingField Real(int fromEnd, void (CQZRIM::*set)(double)) {
-    return {fromEnd, set, nullptr};
-}
-constexpr TrailingField Int(int fromEnd, void (CQZRIM::*set)(int)) {
-    return {fromEnd, nullptr, set};
-}
-
-// The six fields every layout carries, placed after `shift` newer fields at the row's end.
-#define QZR_BASE_FIELDS(shift)                                                                \
-    Real((shift) + 1, &CQZRIM::SetScrewStroke), Real((shift) + 2, &CQZRIM::SetScrewDiameter), \
-        Real((shift) + 3, &CQZRIM::SetInjectionRate),                                         \
-        Real((shift) + 4, &CQZRIM::SetInjectionPressure),                                     \
-        Real((shift) + 5, &CQZRIM::SetShotWeight), Real((shift) + 6, &CQZRIM::SetClampingForce)
-
-constexpr std::array<TrailingField, 6> kBaseFields = {{QZR_BASE_FIELDS(0)}};
-
-constexpr std::array<TrailingField, 9> k7003Fields = {{
-    Real(1, &CQZRIM::SetNozzleVolume),
-    Real(2, &CQZRIM::SetTimeConstIP),
-    Real(3, &CQZRIM::SetTimeConstFR),
-    QZR_BASE_FIELDS(3),
-}};
-
-constexpr std::array<TrailingField, 10> k7004Fields = {{
-    Real(1, &CQZRIM::SetMaxPressureSlope),
-    Real(2, &CQZRIM::SetNozzleVolume),
-    Real(3, &CQZRIM::SetTimeConstIP),
-    Real(4, &CQZRIM::SetTimeConstFR),
-    QZR_BASE_FIELDS(4),
-}};
-
-// Places 1 to 7 of the 7005 layout are the nozzle fields (see ReadNozzleFields).
-constexpr int kNozzleFieldCount = 7;
-constexpr std::array<TrailingField, 12> k7005Fields = {{
-    Real(8, &CQZRIM::SetHydraulicPressureTransferFactor),
-    Int(9, &CQZRIM::SetMachineEnergyType),
-    Real(10, &CQZRIM::SetMaxPressureSlope),
-    Real(11, &CQZRIM::SetNozzleVolume),
-    Real(12, &CQZRIM::SetTimeConstIP),
-    Real(13, &CQZRIM::SetTimeConstFR),
-    QZR_BASE_FIELDS(13),
-}};
-
-constexpr std::array<TrailingField, 8> kSystem7007Fields = {{
-    Real(1, &CQZRIM::SetHydraulicPressureTransferFactor),
-    Int(2, &CQZRIM::SetMachineEnergyType),
-    QZR_BASE_FIELDS(2),
-}};
-
-#undef QZR_BASE_FIELDS
-
-struct LayoutFields {
-    const TrailingField* fields;
-    int fieldCount;
-    bool hasNozzle;
-
-    int TrailingCount() const { return fieldCount + (hasNozzle ? kNozzleFieldCount : 0); }
-};
-
-template <size_t N>
-constexpr LayoutFields FieldsOf(const std::array<TrailingField, N>& fields, bool hasNozzle) {
-    return {fields.data(), static_cast<int>(N), hasNozzle};
-}
-
-LayoutFields FieldsOf(LegacyRowLayout layout) {
-    switch (layout) {
-        case LegacyRowLayout::kUser7003:
-            return FieldsOf(k7003Fields, false);
-        case LegacyRowLayout::kUser7004:
-            return FieldsOf(k7004Fields, false);
-        case LegacyRowLayout::kUser7005:
-            return FieldsOf(k7005Fields, true);
-        case LegacyRowLayout::kSystem7007:
-            return FieldsOf(kSystem7007Fields, false);
-        case LegacyRowLayout::kBase:
+// Whether the rows of a layout hold the columns a group added.
+constexpr bool HoldsGroup(LegacyRowLayout layout, records::LegacyGroup group) {
+    switch (group) {
+        case records::kEveryLayout:
+            return true;
+        case records::kSince7003:
+            return layout == LegacyRowLayout::kUser7003 || layout == LegacyRowLayout::kUser7004 ||
+                   layout == LegacyRowLayout::kUser7005;
+        case records::kSince7004:
+            return layout == LegacyRowLayout::kUser7004 || layout == LegacyRowLayout::kUser7005;
+        case records::kMachineKind:
+            return layout == LegacyRowLayout::kUser7005 || layout == LegacyRowLayout::kSystem7007;
+        case records::kNozzle:
+            return layout == LegacyRowLayout::kUser7005;
+        case records::kLeading:
+        case records::kNotInLegacyRows:
             break;
     }
-    return FieldsOf(kBaseFields, false);
+    return false;
+}
+
+// One trailing field of a layout: its place counted back from the last token (1 = last).
+struct TrailingField {
+    int fromEnd;
+    LegacyField field;
+};
+
+// A leading column filled from the token of its number (maker and grade, after the ID).
+struct TokenField {
+    int token;
+    const records::FieldDescriptor<CQZRIM>* field;
+};
+
+// What a row of the layout holds besides its trailing numbers, and the labels of those for a
+// watched load (ReadTrailingFields reads them, laid out while compiling).
+struct LayoutFields {
+    std::vector<TrailingField> trailing;  // in column order
+    std::vector<TokenField> fromTokens;
+    // The column after the leading tokens holds the remark, recovered from the row text.
+    const records::FieldDescriptor<CQZRIM>* remark = nullptr;
+
+    int TrailingCount() const { return static_cast<int>(trailing.size()); }
+};
+
+LayoutFields BuildLayoutFields(LegacyRowLayout layout) {
+    LayoutFields fields;
+    for (const LegacyField& column : LegacyColumns()) {
+        const records::LegacyColumn& place = column.Column();
+        if (place.group == records::kLeading && place.column < kLeadingTokens) {
+            fields.fromTokens.push_back({place.column, column.record});
+        } else if (place.group == records::kLeading && place.column == kLeadingTokens) {
+            fields.remark = column.record;
+        } else if (HoldsGroup(layout, place.group)) {
+            fields.trailing.push_back({0, column});
+        }
+    }
+    for (int i = 0; i < fields.TrailingCount(); ++i) {
+        fields.trailing[static_cast<size_t>(i)].fromEnd = fields.TrailingCount() - i;
+    }
+    return fields;
+}
+
+constexpr LegacyRowLayout kLayouts[] = {LegacyRowLayout::kBase, LegacyRowLayout::kUser7003,
+                                        LegacyRowLayout::kUser7004, LegacyRowLayout::kUser7005,
+                                        LegacyRowLayout::kSystem7007};
+
+const LayoutFields& FieldsOf(LegacyRowLayout layout) {
+    static const std::vector<LayoutFields> kByLayout = [] {
+        std::vector<LayoutFields> byLayout(std::size(kLayouts));
+        for (const LegacyRowLayout each : kLayouts) {
+            byLayout[static_cast<size_t>(each)] = BuildLayoutFields(each);
+        }
+        return byLayout;
+    }();
+    return kByLayout[static_cast<size_t>(layout)];
 }
 
 // strlen, but looking at no more than maxChars characters (memchr stops at the first match).
@@ -110,9 +107,6 @@ size_t BoundedLength(const char* text, size_t maxChars) {
     const void* end = std::memchr(text, '\0', maxChars);
     return end == nullptr ? maxChars : static_cast<size_t>(static_cast<const char*>(end) - text);
 }
-
-// ID, maker and grade come before the trailing fields.
-constexpr int kLeadingTokens = 3;
 
 // The row split as strtok splits it with the delimiters ",\n": a run of delimiters separates
 // two tokens, and none stands at either end, so an empty field gives no token and the fields
@@ -178,36 +172,141 @@ class RowTokens {
     int m_count = 0;
 };
 
-void ReadTrailingFields(const RowTokens& tokens, const LayoutFields& layout, CQZRIM& machine) {
-    for (int i = 0; i < layout.fieldCount; ++i) {
-        const TrailingField& field = layout.fields[i];
-        const char* token = tokens.FromEnd(field.fromEnd);
-        if (field.setReal != nullptr) {
-            double value = 0.0;
-            if (platform::ScanDouble(token, &value)) {
-                (machine.*field.setReal)(value);
-            }
-        } else {
-            int value = 0;
-            if (platform::ScanInt(token, &value)) {
-                (machine.*field.setInt)(value);
+// "%lf" for a real, "%d" for an integer, handed to set; false, with set not called, when the
+// token does not convert.
+template <records::FieldType type, class Set>
+bool ReadToken(const char* token, Set set) {
+    if constexpr (type == records::FieldType::kReal) {
+        double value = 0.0;
+        if (!platform::ScanDouble(token, &value)) {
+            return false;
+        }
+        set(value);
+    } else if constexpr (type == records::FieldType::kInteger) {
+        int value = 0;
+        if (!platform::ScanInt(token, &value)) {
+            return false;
+        }
+        set(value);
+    } else {
+        set(token);
+    }
+    return true;
+}
+
+// The readers of each list, by list index + 1: a field from its token.
+#define QZR_PASSED(Type) records::FieldValue<records::FieldType::k##Type>::Passed
+#define QZR_RECORD_READER(Name, Type, ...)                                \
+    , [](CQZRIM& m, const char* token) {                                  \
+        return ReadToken<records::FieldType::k##Type>(                    \
+            token, [&m](QZR_PASSED(Type) value) { m.Set##Name(value); }); \
+    }
+#define QZR_NOZZLE_READER(Name, Type, ...)                            \
+    , [](NozzleSpecification& n, const char* token) {                 \
+        return ReadToken<records::FieldType::k##Type>(                \
+            token, [&n](QZR_PASSED(Type) value) { n.Name = value; }); \
+    }
+constexpr auto kCommonReaders = std::make_tuple(0 QZR_COMMON_FIELDS(QZR_RECORD_READER));
+constexpr auto kIMMReaders = std::make_tuple(0 QZR_IMM_FIELDS(QZR_RECORD_READER));
+constexpr auto kNozzleReaders = std::make_tuple(0 QZR_NOZZLE_FIELDS(QZR_NOZZLE_READER));
+#undef QZR_PASSED
+#undef QZR_RECORD_READER
+#undef QZR_NOZZLE_READER
+
+// The trailing columns of a layout, in column order, while compiling.
+template <LegacyRowLayout layout>
+struct TrailingPlan {
+    static constexpr size_t kCount = [] {
+        size_t count = 0;
+        for (const ColumnPlace& place : kRowColumns) {
+            count += HoldsGroup(layout, ColumnAt(place).group) ? 1 : 0;
+        }
+        return count;
+    }();
+    static constexpr std::array<ColumnPlace, kCount> kPlaces = [] {
+        std::array<ColumnPlace, kCount> places{};
+        size_t count = 0;
+        for (const ColumnPlace& place : kRowColumns) {
+            if (HoldsGroup(layout, ColumnAt(place).group)) {
+                places[count++] = place;
             }
         }
+        return places;
+    }();
+    static constexpr bool kHasNozzle = [] {
+        for (const ColumnPlace& place : kPlaces) {
+            if (place.list == TableList::kNozzle) {
+                return true;
+            }
+        }
+        return false;
+    }();
+    static_assert(kCount <= 32, "the positions that did not convert are bits of a uint32_t");
+};
+
+template <LegacyRowLayout layout, size_t position>
+bool ReadColumn(const RowTokens& tokens, CQZRIM& machine, NozzleSpecification& nozzle) {
+    using Plan = TrailingPlan<layout>;
+    constexpr ColumnPlace place = Plan::kPlaces[position];
+    const char* token = tokens.FromEnd(static_cast<int>(Plan::kCount - position));
+    if constexpr (place.list == TableList::kCommon) {
+        return std::get<place.index + 1>(kCommonReaders)(machine, token);
+    } else if constexpr (place.list == TableList::kIMM) {
+        return std::get<place.index + 1>(kIMMReaders)(machine, token);
+    } else {
+        return std::get<place.index + 1>(kNozzleReaders)(nozzle, token);
     }
 }
 
-// The seven nozzle fields of the 7005 layout: Type seventh from the end, then Value1 to
-// Value6. They fill a fresh NozzleSpecification, so a member whose field does not convert is 0
-// whatever the record held, and it replaces the record's own as a whole.
-void ReadNozzleFields(const RowTokens& tokens, CQZRIM& machine) {
+// Fills the trailing fields; a record field whose token does not convert keeps its value. The
+// nozzle fields fill a fresh NozzleSpecification, so a member whose token does not convert is
+// 0 whatever the record held, and it replaces the record's own as a whole. Returns the
+// positions among the trailing fields of the tokens that did not convert.
+template <LegacyRowLayout layout, size_t... positions>
+uint32_t ReadTrailing(const RowTokens& tokens, CQZRIM& machine, std::index_sequence<positions...>) {
     NozzleSpecification nozzle;
-    platform::ScanInt(tokens.FromEnd(7), &nozzle.Type);
-    double* const values[] = {&nozzle.Value1, &nozzle.Value2, &nozzle.Value3,
-                              &nozzle.Value4, &nozzle.Value5, &nozzle.Value6};
-    for (int i = 0; i < 6; ++i) {
-        platform::ScanDouble(tokens.FromEnd(6 - i), values[i]);
+    uint32_t notConverted = 0;
+    ((notConverted |= ReadColumn<layout, positions>(tokens, machine, nozzle)
+                          ? uint32_t{0}
+                          : uint32_t{1} << positions),
+     ...);
+    if constexpr (TrailingPlan<layout>::kHasNozzle) {
+        machine.SetNozzleSpecification(nozzle);
     }
-    machine.SetNozzleSpecification(nozzle);
+    return notConverted;
+}
+
+template <LegacyRowLayout layout>
+uint32_t ReadTrailingOf(const RowTokens& tokens, CQZRIM& machine) {
+    return ReadTrailing<layout>(tokens, machine,
+                                std::make_index_sequence<TrailingPlan<layout>::kCount>());
+}
+
+uint32_t ReadTrailingFields(const RowTokens& tokens, LegacyRowLayout layout, CQZRIM& machine) {
+    switch (layout) {
+        case LegacyRowLayout::kUser7003:
+            return ReadTrailingOf<LegacyRowLayout::kUser7003>(tokens, machine);
+        case LegacyRowLayout::kUser7004:
+            return ReadTrailingOf<LegacyRowLayout::kUser7004>(tokens, machine);
+        case LegacyRowLayout::kUser7005:
+            return ReadTrailingOf<LegacyRowLayout::kUser7005>(tokens, machine);
+        case LegacyRowLayout::kSystem7007:
+            return ReadTrailingOf<LegacyRowLayout::kSystem7007>(tokens, machine);
+        case LegacyRowLayout::kBase:
+            break;
+    }
+    return ReadTrailingOf<LegacyRowLayout::kBase>(tokens, machine);
+}
+
+void ReportNotConverted(const RowWatch& watch, const RowTokens& tokens, const LayoutFields& layout,
+                        uint32_t notConverted) {
+    for (size_t i = 0; i < layout.trailing.size(); ++i) {
+        if ((notConverted >> i & 1) != 0) {
+            const TrailingField& trailing = layout.trailing[i];
+            watch.observer->OnFieldNotConverted({watch.path, watch.line, 0, trailing.field.Label(),
+                                                 tokens.FromEnd(trailing.fromEnd)});
+        }
+    }
 }
 
 // The shot volume is not in the bank: it is the screw's swept volume in cm3, with the DLL's
@@ -227,7 +326,7 @@ double DerivedShotVolume(const CQZRIM& machine) {
 // up to the first occurrence of the grade text (which may lie inside the ID or the maker, as
 // in the DLL), moved past the maker when maker and grade are the same text.
 void SetRecoveredRemark(const char* row, const RowTokens& tokens, int trailingCount,
-                        CQZRIM& machine) {
+                        const records::FieldDescriptor<CQZRIM>& remarkField, CQZRIM& machine) {
     const int firstTrailing = tokens.Count() - trailingCount;
     const std::string_view kept(row, tokens.Start(firstTrailing) - 1);
     const std::string_view maker(tokens.Token(1), tokens.Length(1));
@@ -249,40 +348,40 @@ void SetRecoveredRemark(const char* row, const RowTokens& tokens, int trailingCo
         std::memcpy(remark, kept.data() + removed, length);
     }
     remark[length] = '\0';
-    machine.SetRemark(remark);
+    remarkField.setText(machine, remark);
+}
+
+// Maker and grade from the tokens after the ID, the remark from the row text.
+void SetLeadingFields(const char* row, const RowTokens& tokens, const LayoutFields& fields,
+                      CQZRIM& machine) {
+    for (const TokenField& leading : fields.fromTokens) {
+        leading.field->setText(machine, tokens.Token(leading.token));
+    }
+    machine.SetShotVolume(DerivedShotVolume(machine));
+    if (fields.remark != nullptr) {
+        SetRecoveredRemark(row, tokens, fields.TrailingCount(), *fields.remark, machine);
+    }
 }
 
 }  // namespace
 
-int TrailingFieldCount(LegacyRowLayout layout) {
-    return FieldsOf(layout).TrailingCount();
-}
-
-int FewestTokens(LegacyRowLayout layout) {
-    return kLeadingTokens + TrailingFieldCount(layout);
-}
-
-bool ParseOldRow(const char* row, LegacyRowLayout layout, CQZRIM& machine) {
+bool ParseOldRow(const char* row, LegacyRowLayout layout, CQZRIM& machine, const RowWatch* watch) {
     if (row == nullptr) {
         return false;
     }
     // A longer row is cut at the DLL's work buffer, for the tokens and the remark alike.
     const size_t length = BoundedLength(row, kOldRowMaxChars);
     const RowTokens tokens(row, length);
-    const LayoutFields fields = FieldsOf(layout);
-    const int trailingCount = fields.TrailingCount();
-    if (tokens.Count() < kLeadingTokens + trailingCount) {
+    const LayoutFields& fields = FieldsOf(layout);
+    if (tokens.Count() < kLeadingTokens + fields.TrailingCount()) {
         return false;
     }
 
-    ReadTrailingFields(tokens, fields, machine);
-    if (fields.hasNozzle) {
-        ReadNozzleFields(tokens, machine);
+    const uint32_t notConverted = ReadTrailingFields(tokens, layout, machine);
+    if (watch != nullptr && notConverted != 0) {
+        ReportNotConverted(*watch, tokens, fields, notConverted);
     }
-    machine.SetMaker(tokens.Token(1));
-    machine.SetGrade(tokens.Token(2));
-    machine.SetShotVolume(DerivedShotVolume(machine));
-    SetRecoveredRemark(row, tokens, trailingCount, machine);
+    SetLeadingFields(row, tokens, fields, machine);
     return true;
 }
 

@@ -6,9 +6,11 @@
 #define QZR_BANK_LEGACY_LEGACYROWPARSER_H
 
 #include <cstddef>
+#include <string_view>
 
 #include <QZRMachine/QZRIM.h>
 
+#include "bank/LoadObserver.h"
 #include "bank/legacy/LegacyRowLayout.h"
 
 namespace qzr::legacy {
@@ -17,13 +19,18 @@ namespace qzr::legacy {
 // 1023rd character, whichever comes first.
 constexpr size_t kOldRowMaxChars = 1023;
 
-// Number of trailing numeric fields of a layout, and the fewest tokens a row of it needs (ID,
-// maker and grade before them).
-int TrailingFieldCount(bank::LegacyRowLayout layout);
-int FewestTokens(bank::LegacyRowLayout layout);
+// Where a watched load hears of the row's values that do not convert to their numbers.
+struct RowWatch {
+    bank::LoadObserver* observer;
+    std::string_view path;
+    long line;
+};
 
-// Fills machine from row. False, with machine unchanged, when the row has too few tokens.
-bool ParseOldRow(const char* row, bank::LegacyRowLayout layout, CQZRIM& machine);
+// Fills machine from row, the layout's columns as the field table gives them. False, with
+// machine unchanged, when the row has too few tokens. With a watch, each trailing value that
+// does not convert is told to its observer.
+bool ParseOldRow(const char* row, bank::LegacyRowLayout layout, CQZRIM& machine,
+                 const RowWatch* watch = nullptr);
 
 }  // namespace qzr::legacy
 

@@ -1,15 +1,17 @@
 // MachineSectionFormat: the keys of a machine section of a sectioned bank, for one kind of
 // machine, and the one routine that fills a record from a section.
 //
-// A row names its key, the text the writer puts before the value (the key padded so that the
-// "=" signs of a section stand in one column, tabs included where the banks have them), how
-// the value is read and written, and the record's accessors. The rows are in the order the
-// writer puts the lines; readOrder gives the order in which a section is read, which matters
-// for the numeric temporaries (see FillMachineSection).
+// The keys are the fields of the record's kind that the field table (records/MachineFields.h)
+// gives a section line, common fields first: each with the text the writer puts before the
+// value (the key padded so that the "=" signs of a section stand in one column, or the
+// table's own prefix). The rows are in the order the writer puts the lines; readOrder gives
+// the order in which a section is read, which matters for the numeric temporaries (see
+// FillMachineSection).
 #ifndef QZR_BANK_SECTIONED_MACHINESECTIONFORMAT_H
 #define QZR_BANK_SECTIONED_MACHINESECTIONFORMAT_H
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -18,35 +20,31 @@
 
 #include "bank/sectioned/QZRFileIO.h"
 #include "platform/CNumbers.h"
+#include "records/MachineFields.h"
 
 namespace qzr::bank {
-
-enum class KeyValueKind { kText, kInteger, kReal };
 
 template <class Record>
 struct MachineKey {
     const char* key;
-    const char* linePrefix;  // written before the value: "Maker   = " and the like
-    KeyValueKind kind;
-    void (Record::*setText)(const char*);
-    const char* (Record::*getText)() const;
-    void (Record::*setInteger)(int);
-    int (Record::*getInteger)() const;
-    void (Record::*setReal)(double);
-    double (Record::*getReal)() const;
+    std::string linePrefix;  // written before the value: "Maker   = " and the like
+    const records::FieldDescriptor<Record>* field;
 };
+
+// One bit per reading-order slot: the keys whose value did not convert to its number.
+using SlotSet = uint64_t;
+constexpr size_t kMaxSectionKeys = 64;
 
 template <class Record>
 struct MachineSectionFormat {
-    const MachineKey<Record>* rows;  // in writing order
-    size_t rowCount;
-    const size_t* readOrder;  // row positions in reading order; Maker and Grade come first
+    std::vector<MachineKey<Record>> rows;  // in writing order
+    std::vector<size_t> readOrder;  // row positions in reading order; Maker and Grade come first
 
     const MachineKey<Record>& ReadRow(size_t slot) const { return rows[readOrder[slot]]; }
     // The keys in reading order: the key slots of a SectionedBankIndex built for this kind.
     std::vector<std::string> KeysInReadOrder() const {
         std::vector<std::string> keys;
-        for (size_t slot = 0; slot < rowCount; ++slot) {
+        for (size_t slot = 0; slot < rows.size(); ++slot) {
             keys.emplace_back(ReadRow(slot).key);
         }
         return keys;
@@ -65,17 +63,18 @@ const MachineSectionFormat<CQZRRTM>& RTMSectionFormat();
 // is not cleared first.
 //
 // Numbers: one real and one integer temporary serve all the keys of the section, both start
-// at 0. A value that does not convert leaves its temporary as it was, so the attribute gets
-// the previous number of the same kind in that section, or 0 for the first one. Banks the
-// library writes never hold such values; the zero start makes files that do read the same
-// every time.
+// at 0. A value that does not convert (an empty one included) leaves its temporary as it was,
+// so the attribute gets the previous number of the same kind in that section, or 0 for the
+// first one. Banks the library writes never hold such values; the zero start makes files that
+// do read the same every time. Their slots go to *notConverted when it is given.
 template <class Record, class Lookup>
 bool FillMachineSection(const MachineSectionFormat<Record>& format, const Lookup& lookup,
-                        Record& machine) {
+                        Record& machine, SlotSet* notConverted = nullptr) {
     constexpr size_t kRequiredKeys = 2;
     double real = 0.0;
     int integer = 0;
-    for (size_t slot = 0; slot < format.rowCount; ++slot) {
+    SlotSet failed = 0;
+    for (size_t slot = 0; slot < format.rows.size(); ++slot) {
         const MachineKey<Record>& row = format.ReadRow(slot);
         const char* value = nullptr;
         if (lookup(slot, row.key, &value) != CQZRFileIO::kFound) {
@@ -84,21 +83,27 @@ bool FillMachineSection(const MachineSectionFormat<Record>& format, const Lookup
             }
             continue;
         }
-        switch (row.kind) {
-            case KeyValueKind::kText:
-                (machine.*row.setText)(value);
+        const records::FieldDescriptor<Record>& field = *row.field;
+        switch (field.type) {
+            case records::FieldType::kText:
+                field.setText(machine, value);
                 break;
-            case KeyValueKind::kInteger:
-                if (value[0] != '\0') {
-                    qzr::platform::ScanInt(value, &integer);
+            case records::FieldType::kInteger:
+                if (value[0] == '\0' || !qzr::platform::ScanInt(value, &integer)) {
+                    failed |= SlotSet{1} << slot;
                 }
-                (machine.*row.setInteger)(integer);
+                field.setInteger(machine, integer);
                 break;
-            case KeyValueKind::kReal:
-                qzr::platform::ScanDouble(value, &real);
-                (machine.*row.setReal)(real);
+            case records::FieldType::kReal:
+                if (!qzr::platform::ScanDouble(value, &real)) {
+                    failed |= SlotSet{1} << slot;
+                }
+                field.setReal(machine, real);
                 break;
         }
+    }
+    if (notConverted != nullptr) {
+        *notConverted = failed;
     }
     return true;
 }

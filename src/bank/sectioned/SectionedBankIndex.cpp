@@ -105,6 +105,7 @@ void SectionedBankIndex::OpenSection(long machineNumber) {
     m_answers.resize(m_answers.size() + m_keys.size(), kNone);
     if (m_withLines) {
         m_sectionLines.push_back(m_line);
+        m_answerLines.resize(m_answers.size(), 0);
         m_laterLines.resize(m_answers.size(), 0);
     }
 }
@@ -124,9 +125,12 @@ void SectionedBankIndex::AnswerPending(uint32_t slot, std::string_view piece) {
     m_values.push_back('\0');
     for (size_t order = firstPending; order < sectionCount; ++order) {
         m_answers[order * m_keys.size() + slot] = offset;
-        // Every section opened before the latest one lacks the key itself.
-        if (m_withLines && order + 1 < sectionCount) {
-            m_laterLines[order * m_keys.size() + slot] = m_line;
+        if (m_withLines) {
+            m_answerLines[order * m_keys.size() + slot] = m_line;
+            // Every section opened before the latest one lacks the key itself.
+            if (order + 1 < sectionCount) {
+                m_laterLines[order * m_keys.size() + slot] = m_line;
+            }
         }
     }
     firstPending = static_cast<uint32_t>(sectionCount);
@@ -144,12 +148,21 @@ long SectionedBankIndex::SectionLine(long machineNumber) const {
     return order == kNone || !m_withLines ? 0 : m_sectionLines[order];
 }
 
-long SectionedBankIndex::AnswerLineInLaterSection(long machineNumber, size_t keySlot) const {
+long SectionedBankIndex::LineOf(const std::vector<long>& lines, long machineNumber,
+                                size_t keySlot) const {
     const uint32_t order = OrderOf(machineNumber);
     if (order == kNone || !m_withLines || keySlot >= m_keys.size()) {
         return 0;
     }
-    return m_laterLines[order * m_keys.size() + keySlot];
+    return lines[order * m_keys.size() + keySlot];
+}
+
+long SectionedBankIndex::AnswerLine(long machineNumber, size_t keySlot) const {
+    return LineOf(m_answerLines, machineNumber, keySlot);
+}
+
+long SectionedBankIndex::AnswerLineInLaterSection(long machineNumber, size_t keySlot) const {
+    return LineOf(m_laterLines, machineNumber, keySlot);
 }
 
 int SectionedBankIndex::GetKeyString(long machineNumber, size_t keySlot, const char** value) const {

@@ -39,9 +39,11 @@ class SectionedBankIndex {
     // to a text owned by the index, valid as long as the index.
     int GetKeyString(long machineNumber, size_t keySlot, const char** value) const;
 
-    // With withLines only (0 otherwise): the line of the section's first header, and the
-    // line of the answer to a key when it lies beyond the next section's header.
+    // With withLines only (0 otherwise): the line of the section's first header, the line of
+    // the answer to a key, and that line again only when it lies beyond the next section's
+    // header.
     long SectionLine(long machineNumber) const;
+    long AnswerLine(long machineNumber, size_t keySlot) const;
     long AnswerLineInLaterSection(long machineNumber, size_t keySlot) const;
     // With withLines only: the lines longer than kSectionedLineChars, in file order.
     const std::vector<long>& CutLines() const { return m_cutLines; }
@@ -50,6 +52,7 @@ class SectionedBankIndex {
     static constexpr uint32_t kNone = UINT32_MAX;
 
     uint32_t OrderOf(long machineNumber) const;
+    long LineOf(const std::vector<long>& lines, long machineNumber, size_t keySlot) const;
 
     void ReadFile(const std::string& path);
     void AddLine(std::string_view piece);
@@ -80,6 +83,7 @@ class SectionedBankIndex {
     bool m_withLines;
     long m_line = 0;                   // the line of the piece being read
     std::vector<long> m_sectionLines;  // per section in order of appearance
+    std::vector<long> m_answerLines;   // like m_answers: the answer's line, or 0
     std::vector<long> m_laterLines;    // like m_answers: the answer's line if from later, or 0
     std::vector<long> m_cutLines;
 };

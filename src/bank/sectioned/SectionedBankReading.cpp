@@ -33,14 +33,15 @@ constexpr int kRTMType = 1;
 // One section of a file indexed once for the whole load.
 template <class Record>
 bool ParseIndexedSection(const MachineSectionFormat<Record>& format,
-                         const SectionedBankIndex& index, long number, Record& machine) {
+                         const SectionedBankIndex& index, long number, Record& machine,
+                         SlotSet* notConverted) {
     if (!index.IsOpen()) {
         return false;
     }
     const auto lookup = [&index, number](size_t slot, const char*, const char** value) {
         return index.GetKeyString(number, slot, value);
     };
-    return qzr::bank::FillMachineSection(format, lookup, machine);
+    return qzr::bank::FillMachineSection(format, lookup, machine, notConverted);
 }
 
 // How the machines of one file reach the catalogue: a folder of system banks reads every
@@ -97,16 +98,25 @@ class SectionReport {
     SectionReport(const SectionReport&) = delete;
     SectionReport& operator=(const SectionReport&) = delete;
 
-    void Section(long number, bool loaded) {
+    // notConverted: the slots whose value did not convert to its number.
+    void Section(long number, bool loaded, SlotSet notConverted) {
         m_loaded += loaded ? 1 : 0;
         if (m_observer == nullptr) {
             return;
         }
         m_observer->OnSection({m_path, number, m_index.SectionLine(number), loaded});
-        for (size_t slot = 0; loaded && slot < m_format.rowCount; ++slot) {
+        for (size_t slot = 0; loaded && slot < m_format.rows.size(); ++slot) {
             if (const long line = m_index.AnswerLineInLaterSection(number, slot)) {
                 m_observer->OnKeyFromLaterSection(
                     {m_path, number, m_format.ReadRow(slot).key, line});
+            }
+        }
+        for (size_t slot = 0; loaded && notConverted != 0 && slot < m_format.rows.size(); ++slot) {
+            const char* value = nullptr;
+            if ((notConverted >> slot & 1) != 0 &&
+                m_index.GetKeyString(number, slot, &value) == CQZRFileIO::kFound) {
+                m_observer->OnFieldNotConverted({m_path, m_index.AnswerLine(number, slot), number,
+                                                 m_format.ReadRow(slot).key, value});
             }
         }
     }
@@ -130,8 +140,9 @@ void AddMachineSections(const MachineSectionFormat<Record>& format, const std::s
     if (use == RecordUse::kOneForTheFile) {
         Record machine;
         for (long number = 1; number <= SectionedBankIndex::kMaxMachineSection; ++number) {
-            const bool loaded = ParseIndexedSection(format, index, number, machine);
-            report.Section(number, loaded);
+            SlotSet notConverted = 0;
+            const bool loaded = ParseIndexedSection(format, index, number, machine, &notConverted);
+            report.Section(number, loaded, notConverted);
             if (!loaded) {
                 return;
             }
@@ -142,8 +153,9 @@ void AddMachineSections(const MachineSectionFormat<Record>& format, const std::s
     const Record fresh;  // copying a default record is cheaper than building one
     for (long number = 1; number <= SectionedBankIndex::kMaxMachineSection; ++number) {
         auto machine = std::make_unique<Record>(fresh);
-        const bool loaded = ParseIndexedSection(format, index, number, *machine);
-        report.Section(number, loaded);
+        SlotSet notConverted = 0;
+        const bool loaded = ParseIndexedSection(format, index, number, *machine, &notConverted);
+        report.Section(number, loaded, notConverted);
         if (!loaded) {
             return;
         }

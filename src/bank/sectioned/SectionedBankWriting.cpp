@@ -2,7 +2,6 @@
 // machines.
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "bank/BankKind.h"
 #include "bank/CatalogueWalk.h"
@@ -80,11 +79,7 @@ void WriteBankHeader(TextWriter& out, const CQZRMoldingMachineCtrl& catalogue) {
 template <class Record>
 class SectionText {
   public:
-    explicit SectionText(const MachineSectionFormat<Record>& format) : m_format(format) {
-        for (size_t row = 0; row < format.rowCount; ++row) {
-            m_prefixes.emplace_back(format.rows[row].linePrefix);
-        }
-    }
+    explicit SectionText(const MachineSectionFormat<Record>& format) : m_format(format) {}
 
     // The section of the machine, valid until the next call.
     std::string_view Of(int number, const Record& machine) {
@@ -92,9 +87,9 @@ class SectionText {
         m_text.Append("[Machine-");
         m_text.AppendNumber(&WriteD, number);
         m_text.Append("]\n\n");
-        for (size_t row = 0; row < m_format.rowCount; ++row) {
-            m_text.Append(m_prefixes[row]);
-            AppendValue(m_format.rows[row], machine);
+        for (const MachineKey<Record>& row : m_format.rows) {
+            m_text.Append(row.linePrefix);
+            AppendValue(*row.field, machine);
             m_text.Append('\n');
         }
         m_text.Append('\n');
@@ -102,23 +97,22 @@ class SectionText {
     }
 
   private:
-    void AppendValue(const MachineKey<Record>& row, const Record& machine) {
-        switch (row.kind) {
-            case KeyValueKind::kText:
+    void AppendValue(const records::FieldDescriptor<Record>& field, const Record& machine) {
+        switch (field.type) {
+            case records::FieldType::kText:
                 // Texts go out unescaped: a line feed in a value splits its entry line.
-                m_text.AppendText((machine.*row.getText)());
+                m_text.AppendText(field.getText(machine));
                 break;
-            case KeyValueKind::kInteger:
-                m_text.AppendNumber(&WriteD, (machine.*row.getInteger)());
+            case records::FieldType::kInteger:
+                m_text.AppendNumber(&WriteD, field.getInteger(machine));
                 break;
-            case KeyValueKind::kReal:
-                m_text.AppendNumber(&WriteLf, (machine.*row.getReal)());
+            case records::FieldType::kReal:
+                m_text.AppendNumber(&WriteLf, field.getReal(machine));
                 break;
         }
     }
 
     const MachineSectionFormat<Record>& m_format;
-    std::vector<std::string_view> m_prefixes;  // the line prefixes, measured once
     qzr::bank::TextBuffer m_text;
 };
 
