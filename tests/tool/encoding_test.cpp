@@ -2,7 +2,12 @@
 // without a counterpart is an error at its offset.
 #include <gtest/gtest.h>
 
+#include <iostream>
+#include <sstream>
+
+#include "Commands.h"
 #include "TextEncoding.h"
+#include "tool/tabular_bank.h"
 
 namespace qzrbank {
 namespace {
@@ -94,6 +99,62 @@ TEST(EncodingTest, FieldErrorNamesMachineFieldAndByte) {
     EXPECT_EQ(error, "Caf\u00E9\\x81: Grade: byte 0x81 at offset 0 is not cp1252");
     EXPECT_FALSE(TextEncoding::Parse("utf8"));
     EXPECT_STREQ(TextEncoding::Parse("CP932")->Name(), "cp932");
+}
+
+struct CommandOutput {
+    int exitCode;
+    std::string out;
+    std::string err;
+};
+
+// show, info and check in JSON on a user bank with two machines of one maker and grade (check
+// quotes the name of the second), all of their texts in the given code page.
+std::vector<CommandOutput> JsonViews(const std::string& encoding, const std::string& maker) {
+    const qzrbank_test::TempFolder folder;
+    const std::string bank = qzrbank_test::WriteUserBank(
+        folder, {{maker, "G1", 10, 5}, {maker, "G1", 20, 5}}, "Remark " + maker);
+    std::vector<CommandOutput> outputs(3);
+    std::ostringstream out[3];
+    std::ostringstream err[3];
+    outputs[0].exitCode = RunShow({bank, maker, "G1", "json", encoding}, out[0], err[0]);
+    outputs[1].exitCode = RunInfo({{bank}, "json", encoding}, out[1], err[1]);
+    outputs[2].exitCode = RunCheck({{bank}, "json", encoding}, std::cin, out[2], err[2]);
+    for (size_t i = 0; i < outputs.size(); ++i) {
+        outputs[i].out = out[i].str();
+        outputs[i].err = err[i].str();
+    }
+    return outputs;
+}
+
+TEST(EncodingTest, JsonViewsShowBankTextsDecoded) {
+    const Conversion rows[] = {
+        {"cp1252 e-acute", "cp1252", "Caf\xE9 Pressen", "Caf\u00E9 Pressen"},
+        {"cp932 kanji", "cp932", "\x93\xFA\x96\x7B\x90\xBB", "日本製"},
+    };
+    for (const Conversion& row : rows) {
+        SCOPED_TRACE(row.label);
+        const std::vector<CommandOutput> outputs = JsonViews(row.encoding, row.bank);
+        const std::string expected[] = {"\"Maker\": \"" + row.utf8 + "\"",
+                                        "\"Remark\": \"Remark " + row.utf8 + "\"",
+                                        row.utf8 + " - G1\\\" has the maker"};
+        for (size_t i = 0; i < outputs.size(); ++i) {
+            EXPECT_NE(outputs[i].out.find(expected[i]), std::string::npos) << outputs[i].out;
+            EXPECT_EQ(outputs[i].err, "");
+        }
+    }
+}
+
+TEST(EncodingTest, UndecodableBankTextIsAnErrorNamingMachineAndField) {
+    const std::vector<CommandOutput> outputs = JsonViews("cp1252", "Ost\x81");
+    EXPECT_EQ(outputs[0].exitCode, 2);
+    EXPECT_NE(outputs[0].err.find(": Ost\\x81 - G1: Maker: byte 0x81 at offset 3 is not cp1252\n"),
+              std::string::npos)
+        << outputs[0].err;
+    EXPECT_EQ(outputs[1].exitCode, 2);
+    EXPECT_NE(outputs[1].err.find("User-IMM.bnk: Remark: byte 0x81 at offset 10"),
+              std::string::npos)
+        << outputs[1].err;
+    EXPECT_NE(outputs[2].out.find("Ost\\\\x81 - G1"), std::string::npos) << outputs[2].out;
 }
 
 }  // namespace

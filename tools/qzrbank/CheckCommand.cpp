@@ -9,6 +9,7 @@
 #include "BankFiles.h"
 #include "Commands.h"
 #include "TemporaryFolder.h"
+#include "TextEncoding.h"
 #include "TextTable.h"
 
 namespace qzrbank {
@@ -143,6 +144,10 @@ void PrintFindingTable(const CheckResult& result, const std::string& format, std
 }  // namespace
 
 int RunCheck(const CheckOptions& options, std::istream& in, std::ostream& out, std::ostream& err) {
+    const std::optional<TextEncoding> encoding = EncodingOption(options.encoding, err);
+    if (!encoding) {
+        return kExitError;
+    }
     CheckResult all;
     bool anyError = false;
     for (const std::string& target : options.targets) {
@@ -151,6 +156,10 @@ int RunCheck(const CheckOptions& options, std::istream& in, std::ostream& out, s
             err << "qzrbank: " << error << '\n';
             anyError = true;
         }
+    }
+    // Messages quote bank texts; a finding is reported whatever bytes it quotes.
+    for (Finding& finding : all.findings) {
+        finding.message = encoding->DecodeOrEscape(finding.message);
     }
     if (options.format == "text") {
         PrintText(all, out);

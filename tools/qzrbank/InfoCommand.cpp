@@ -4,6 +4,7 @@
 
 #include "Commands.h"
 #include "FileInfo.h"
+#include "TextEncoding.h"
 #include "TextTable.h"
 
 namespace qzrbank {
@@ -102,10 +103,21 @@ void PrintInfoRecords(std::ostream& out, const std::string& format,
 }  // namespace
 
 int RunInfo(const InfoOptions& options, std::ostream& out, std::ostream& err) {
+    const std::optional<TextEncoding> encoding = EncodingOption(options.encoding, err);
+    if (!encoding) {
+        return kExitError;
+    }
     int result = kExitOk;
     std::vector<std::pair<std::string, FileInfo>> infos;
     for (const std::string& path : options.files) {
         FileInfo info = ReadFileInfo(path);
+        for (auto& [key, text] : info.headerTexts) {
+            EncodedText decoded = encoding->Decode(text);
+            if (!decoded.ok && info.error.empty()) {
+                info.error = key + ": " + encoding->ByteError(text, decoded.badOffset);
+            }
+            text = std::move(decoded.text);
+        }
         if (!info.error.empty()) {
             err << "qzrbank: " << path << ": " << info.error << '\n';
             result = kExitError;

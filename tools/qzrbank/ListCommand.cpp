@@ -154,22 +154,30 @@ nlohmann::ordered_json AttributesJson(const std::vector<std::pair<std::string, s
     return json;
 }
 
+// Prints the machine of options.maker and options.grade; none when the catalogue has no such
+// machine, else the exit code.
 template <class Record>
-bool FindMachine(const SourcedCatalogue& sourced, const ShowOptions& options, const char* kindName,
-                 std::ostream& out) {
+std::optional<int> ShowMachine(const SourcedCatalogue& sourced, const ShowOptions& options,
+                               const TextEncoding& encoding, const char* kindName,
+                               std::ostream& out, std::ostream& err) {
     Record machine;
     if (!sourced.Catalogue().GetMachine(options.maker.c_str(), options.grade.c_str(), machine)) {
-        return false;
+        return std::nullopt;
     }
     const std::vector<std::pair<std::string, std::string>> head = {
         {"Kind", kindName}, {"Bank", sourced.SourceOf(machine.GetMachineID())}};
-    const std::vector<Attribute> attributes = DescribeMachine(machine);
+    std::vector<Attribute> attributes = DescribeMachine(machine);
+    std::string error;
+    if (!DecodeTexts(encoding, DisplayName(machine), &attributes, &error)) {
+        err << "qzrbank: " << options.bank << ": " << error << '\n';
+        return kExitError;
+    }
     if (options.format == "json") {
         out << JsonText(AttributesJson(head, attributes)) << '\n';
     } else {
         PrintAttributesText(out, head, attributes);
     }
-    return true;
+    return kExitOk;
 }
 
 // What a folder load passed over or found under another name; the rest of what the loads did
@@ -226,6 +234,10 @@ int RunList(const ListOptions& options, std::ostream& out, std::ostream& err) {
 }
 
 int RunShow(const ShowOptions& options, std::ostream& out, std::ostream& err) {
+    const std::optional<TextEncoding> encoding = EncodingOption(options.encoding, err);
+    if (!encoding) {
+        return kExitError;
+    }
     LoadedFolder loaded;
     const std::string problem = ReadProblem(options.bank);
     if (problem == "is a folder") {
@@ -255,9 +267,12 @@ int RunShow(const ShowOptions& options, std::ostream& out, std::ostream& err) {
             return kExitError;
         }
     }
-    if (FindMachine<CQZRIM>(loaded.imm, options, "IMM", out) ||
-        FindMachine<CQZRRTM>(loaded.rtm, options, "RTM", out)) {
-        return kExitOk;
+    std::optional<int> shown = ShowMachine<CQZRIM>(loaded.imm, options, *encoding, "IMM", out, err);
+    if (!shown) {
+        shown = ShowMachine<CQZRRTM>(loaded.rtm, options, *encoding, "RTM", out, err);
+    }
+    if (shown) {
+        return *shown;
     }
     err << "qzrbank: no machine \"" << options.maker << " - " << options.grade << "\" in "
         << options.bank << '\n';

@@ -40,6 +40,7 @@ class AttributeList {
     Attribute Make(const FieldDescriptor<Target>& field, const Target& target) const {
         Attribute attribute;
         attribute.name = field.name;
+        attribute.key = field.section.key != nullptr ? field.section.key : "";
         attribute.unit = field.unit;
         attribute.inLegacy = m_hasLegacyBank && field.legacy.column >= 0;
         attribute.inSectioned = field.section.key != nullptr;
@@ -93,6 +94,17 @@ std::vector<Attribute> DescribeMachine(const CQZRIM& machine) {
 
 std::vector<Attribute> DescribeMachine(const CQZRRTM& machine) {
     return Describe<CQZRRTM>(machine, nullptr);
+}
+
+bool DecodeTexts(const TextEncoding& encoding, const std::string& machine,
+                 std::vector<Attribute>* attributes, std::string* error) {
+    for (Attribute& attribute : *attributes) {
+        if (!attribute.numeric && !encoding.DecodeField(attribute.text, machine, attribute.name,
+                                                        &attribute.text, error)) {
+            return false;
+        }
+    }
+    return true;
 }
 
 MachineSummary Summarize(const CQZRIM& m) {

@@ -10,10 +10,13 @@
 #include <QZRMachine/QZRIM.h>
 #include <QZRMachine/QZRRTM.h>
 
+#include "TextEncoding.h"
+
 namespace qzrbank {
 
 struct Attribute {
     std::string name;
+    std::string key;  // the line key of a sectioned bank; empty where that format lacks the field
     bool numeric = false;
     bool integer = false;          // numeric and whole by nature (counts, ids, kinds)
     double number = 0.0;           // numeric attributes
@@ -26,6 +29,11 @@ struct Attribute {
 
 std::vector<Attribute> DescribeMachine(const CQZRIM& machine);
 std::vector<Attribute> DescribeMachine(const CQZRRTM& machine);
+
+// Turns the texts among a machine's attributes from the bank's code page into UTF-8; false, with
+// *error naming the machine and the field, at a byte the code page lacks.
+bool DecodeTexts(const TextEncoding& encoding, const std::string& machine,
+                 std::vector<Attribute>* attributes, std::string* error);
 
 // The key capacities of the machine list; pressure, diameter and stroke are the injection
 // pressure and screw of an injection-moulding machine and the transfer pressure and plunger

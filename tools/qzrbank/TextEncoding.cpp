@@ -147,18 +147,30 @@ std::string TextEncoding::DecodeOrEscape(std::string_view bytes) const {
     return text;
 }
 
+std::string TextEncoding::ByteError(std::string_view bytes, size_t offset) const {
+    return "byte 0x" + HexByte(bytes[offset]) + " at offset " + std::to_string(offset) +
+           " is not " + Name();
+}
+
 bool TextEncoding::DecodeField(std::string_view bytes, const std::string& machine,
                                const std::string& field, std::string* utf8,
                                std::string* error) const {
     EncodedText decoded = Decode(bytes);
     if (!decoded.ok) {
-        *error = DecodeOrEscape(machine) + ": " + field + ": byte 0x" +
-                 HexByte(bytes[decoded.badOffset]) + " at offset " +
-                 std::to_string(decoded.badOffset) + " is not " + Name();
+        *error =
+            DecodeOrEscape(machine) + ": " + field + ": " + ByteError(bytes, decoded.badOffset);
         return false;
     }
     *utf8 = std::move(decoded.text);
     return true;
+}
+
+std::optional<TextEncoding> EncodingOption(const std::string& name, std::ostream& err) {
+    std::optional<TextEncoding> encoding = TextEncoding::Parse(name);
+    if (!encoding) {
+        err << "qzrbank: unknown encoding '" << name << "' (" << TextEncoding::kNames << ")\n";
+    }
+    return encoding;
 }
 
 bool ReadCodePoint(std::string_view utf8, size_t* offset, char32_t* codePoint) {

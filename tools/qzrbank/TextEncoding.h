@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <ostream>
 #include <string>
 #include <string_view>
 
@@ -39,6 +40,9 @@ class TextEncoding {
     // bank texts, which must show every byte and never fail.
     std::string DecodeOrEscape(std::string_view bytes) const;
 
+    // "byte 0x81 at offset 3 is not cp1252", for the byte of bytes at offset.
+    std::string ByteError(std::string_view bytes, size_t offset) const;
+
     // Decode for a text of a machine: on failure, *error says which machine (its name as
     // DecodeOrEscape gives it) and field hold the byte that does not decode, as
     // "MAKER GRADE: FIELD: byte 0x81 at offset 3 is not cp1252".
@@ -48,6 +52,9 @@ class TextEncoding {
   private:
     CodePage m_codePage;
 };
+
+// The encoding an --encoding option names; none, with a usage error on err, for another name.
+std::optional<TextEncoding> EncodingOption(const std::string& name, std::ostream& err);
 
 // Reads the UTF-8 character at *offset into *codePoint and moves *offset past it; false, with
 // *offset unchanged, for a byte that starts no well-formed character (an overlong form, a

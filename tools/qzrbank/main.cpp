@@ -64,6 +64,14 @@ void AddFormatOption(CLI::App* command, std::string* format, std::vector<std::st
         ->check(CLI::IsMember(std::move(names)));
 }
 
+// "--encoding", the code page of the bank texts the command shows.
+void AddEncodingOption(CLI::App* command, std::string* encoding) {
+    command
+        ->add_option("--encoding", *encoding,
+                     "code page of the bank texts: cp1252, cp932 or latin1 (default cp1252)")
+        ->check(CLI::IsMember({"cp1252", "cp932", "latin1"}, CLI::ignore_case));
+}
+
 // Writes what a command gave for standard output; every byte must reach it.
 int Finished(int exitCode, const std::string& output) {
     errno = 0;
@@ -132,6 +140,11 @@ int main(int argc, char** argv) {
         "legacy bank -> sectioned IMM user bank, sectioned IMM bank -> legacy user bank");
     convertCommand->add_option("IN", convert.input, "the bank to convert")->required();
     convertCommand->add_option("OUT", convert.output, "the bank file to write")->required();
+
+    AddEncodingOption(listCommand, &list.encoding);
+    AddEncodingOption(showCommand, &show.encoding);
+    AddEncodingOption(infoCommand, &info.encoding);
+    AddEncodingOption(checkCommand, &check.encoding);
 
     for (CLI::App* command :
          {listCommand, showCommand, infoCommand, checkCommand, convertCommand}) {
