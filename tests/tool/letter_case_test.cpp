@@ -20,6 +20,7 @@ std::string List(const std::string& dir, std::string* err) {
     qzrbank::ListOptions options;
     options.bankDir = dir;
     options.format = "csv";
+    options.columns = "Kind,Maker,Grade,ClampingForce";  // the Bank column names the files as found
     std::ostringstream out;
     std::ostringstream errors;
     EXPECT_EQ(qzrbank::RunList(options, out, errors), 0);

@@ -34,21 +34,22 @@ qzrbank::ListOptions Fixture(const std::string& format = "table") {
     return options;
 }
 
+// Sorted by maker and grade, whatever the kind; the Bank column names the file of each machine.
 const char kFixtureTable[] =
-    "Kind  Maker     Grade     ClampingForce  ShotWeight  ShotVolume  Pressure  Diameter  Stroke  "
-    "Bank\n"
-    "IMM   Varnholt  VH-50                50       102.4       112.6       220        32     140  "
-    "Machine/IMM\n"
-    "IMM   Varnholt  VH-80                80       102.4       112.6       220        32     140  "
-    "Machine/IMM\n"
-    "IMM   Varnholt  VH-50 LS             55       102.4       112.6       220        32     140  "
-    "User-IMM.bnk\n"
+    "Kind  Maker     Grade     ClampingForce [ton]  ShotWeight [g]  ShotVolume  Pressure  "
+    "Diameter [mm]  Stroke [mm]  Bank\n"
+    "RTM   Ostfeld   OF-40                      70           168.2        88.5      17.4  "
+    "           32          110  Ostfeld.bnk\n"
     "\n"
-    "IMM   Pellinor  PL 20                20        50.5       112.6       180        32     140  "
-    "user-pro.bnk\n"
+    "IMM   Pellinor  PL 20                      20            50.5       112.6     180.0  "
+    "           32          140  user-pro.bnk\n"
     "\n"
-    "RTM   Ostfeld   OF-40                70       168.2        88.5      17.4        32     110  "
-    "Machine/RTM\n"
+    "IMM   Varnholt  VH-50                      50           102.4       112.6     220.0  "
+    "           32          140  Varnholt.bnk\n"
+    "IMM   Varnholt  VH-50 LS                   55           102.4       112.6     220.0  "
+    "           32          140  User-IMM.bnk\n"
+    "IMM   Varnholt  VH-80                      80           102.4       112.6     220.0  "
+    "           32          140  Varnholt.bnk\n"
     "\n"
     "5 machines of 3 makers\n";
 
@@ -69,11 +70,11 @@ TEST(List, KindAndMakerFilters) {
     };
     const std::vector<Row> rows = {
         {"transfer moulding only", "rtm", nullptr, 0,
-         "RTM,Ostfeld,OF-40,70,168.2,88.5,17.4,32,110,Machine/RTM\n"},
+         "RTM,Ostfeld,OF-40,70,168.2,88.5,17.4,32,110,Ostfeld.bnk\n"},
         {"a maker in other case letters", "all", "vARNHOLT", 0,
-         "IMM,Varnholt,VH-50,50,102.4,112.6,220,32,140,Machine/IMM\n"
-         "IMM,Varnholt,VH-80,80,102.4,112.6,220,32,140,Machine/IMM\n"
-         "IMM,Varnholt,VH-50 LS,55,102.4,112.6,220,32,140,User-IMM.bnk\n"},
+         "IMM,Varnholt,VH-50,50,102.4,112.6,220,32,140,Varnholt.bnk\n"
+         "IMM,Varnholt,VH-50 LS,55,102.4,112.6,220,32,140,User-IMM.bnk\n"
+         "IMM,Varnholt,VH-80,80,102.4,112.6,220,32,140,Varnholt.bnk\n"},
         {"the name rule does not trim", "all", "Varnholt ", 1, ""},
     };
     for (const Row& row : rows) {

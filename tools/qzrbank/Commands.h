@@ -23,7 +23,12 @@ struct ListOptions {
     std::string kind = "all";            // "imm", "rtm" or "all"
     std::optional<std::string> maker;    // matched by the library's name rule
     std::string format = "table";        // "table", "csv" or "json"
-    std::string encoding = "cp1252";     // the code page of the bank texts: cp1252, cp932 or latin1
+    // Comma-separated columns: a field's name or sectioned key, Kind, Bank, or Pressure,
+    // Diameter and Stroke (the injection or transfer side of either kind). Empty: the default.
+    std::string columns;
+    std::string sort;                 // comma-separated columns to sort by; empty: Maker,Grade
+    std::vector<std::string> where;   // "Column>=10": numeric conditions all rows must meet
+    std::string encoding = "cp1252";  // the code page of the bank texts: cp1252, cp932 or latin1
 };
 int RunList(const ListOptions& options, std::ostream& out, std::ostream& err);
 

@@ -107,34 +107,6 @@ bool DecodeTexts(const TextEncoding& encoding, const std::string& machine,
     return true;
 }
 
-MachineSummary Summarize(const CQZRIM& m) {
-    MachineSummary summary;
-    summary.kind = "IMM";
-    summary.maker = m.GetMaker();
-    summary.grade = m.GetGrade();
-    summary.clampingForce = m.GetClampingForce();
-    summary.shotWeight = m.GetShotWeight();
-    summary.shotVolume = m.GetShotVolume();
-    summary.pressure = m.GetInjectionPressure();
-    summary.diameter = m.GetScrewDiameter();
-    summary.stroke = m.GetScrewStroke();
-    return summary;
-}
-
-MachineSummary Summarize(const CQZRRTM& m) {
-    MachineSummary summary;
-    summary.kind = "RTM";
-    summary.maker = m.GetMaker();
-    summary.grade = m.GetGrade();
-    summary.clampingForce = m.GetClampingForce();
-    summary.shotWeight = m.GetShotWeight();
-    summary.shotVolume = m.GetShotVolume();
-    summary.pressure = m.GetTransferPressure();
-    summary.diameter = m.GetPlungerDiameter();
-    summary.stroke = m.GetPlungerStroke();
-    return summary;
-}
-
 std::string DisplayName(const CQZRMoldingMachine& machine) {
     return std::string(machine.GetMaker()) + " - " + machine.GetGrade();
 }

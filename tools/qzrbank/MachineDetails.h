@@ -35,25 +35,6 @@ std::vector<Attribute> DescribeMachine(const CQZRRTM& machine);
 bool DecodeTexts(const TextEncoding& encoding, const std::string& machine,
                  std::vector<Attribute>* attributes, std::string* error);
 
-// The key capacities of the machine list; pressure, diameter and stroke are the injection
-// pressure and screw of an injection-moulding machine and the transfer pressure and plunger
-// of a transfer-moulding machine.
-struct MachineSummary {
-    std::string kind;  // "IMM" or "RTM"
-    std::string maker;
-    std::string grade;
-    double clampingForce = 0.0;
-    double shotWeight = 0.0;
-    double shotVolume = 0.0;
-    double pressure = 0.0;
-    double diameter = 0.0;
-    double stroke = 0.0;
-    std::string bank;  // where the machine was loaded from
-};
-
-MachineSummary Summarize(const CQZRIM& machine);
-MachineSummary Summarize(const CQZRRTM& machine);
-
 // "maker - grade", as the library forms a machine's display name.
 std::string DisplayName(const CQZRMoldingMachine& machine);
 

@@ -2,9 +2,34 @@
 
 #include <algorithm>
 
+#include "TextEncoding.h"
+
 namespace qzrbank {
 
 namespace {
+
+struct CharacterRange {
+    char32_t first;
+    char32_t last;
+};
+
+// Characters a terminal shows two columns wide: the East Asian wide and full-width blocks.
+constexpr CharacterRange kWideRanges[] = {
+    {0x1100, 0x115F},   {0x2E80, 0x303E},   {0x3041, 0x33FF},  {0x3400, 0x4DBF},
+    {0x4E00, 0x9FFF},   {0xA000, 0xA4CF},   {0xAC00, 0xD7A3},  {0xF900, 0xFAFF},
+    {0xFE30, 0xFE4F},   {0xFF00, 0xFF60},   {0xFFE0, 0xFFE6},  {0x1F300, 0x1F64F},
+    {0x1F900, 0x1F9FF}, {0x20000, 0x2FFFD}, {0x30000, 0x3FFFD}};
+
+// Combining marks, shown on the character before them.
+constexpr CharacterRange kZeroWidthRanges[] = {
+    {0x0300, 0x036F}, {0x200B, 0x200F}, {0x20D0, 0x20FF}, {0x3099, 0x309A}, {0xFE20, 0xFE2F}};
+
+template <size_t N>
+bool InRanges(const CharacterRange (&ranges)[N], char32_t codePoint) {
+    return std::any_of(std::begin(ranges), std::end(ranges), [codePoint](const CharacterRange& r) {
+        return codePoint >= r.first && codePoint <= r.last;
+    });
+}
 
 std::string CsvCell(const std::string& cell) {
     if (cell.find_first_of(",\"\r\n") == std::string::npos) {
@@ -25,7 +50,7 @@ void PrintRow(std::ostream& out, const std::vector<std::string>& row,
     std::string line;
     for (size_t column = 0; column < row.size(); ++column) {
         const std::string& cell = row[column];
-        const size_t padding = widths[column] - cell.size();
+        const size_t padding = widths[column] - DisplayWidth(cell);
         const bool right = column < rightAligned.size() && rightAligned[column];
         if (column > 0) {
             line += "  ";
@@ -45,11 +70,26 @@ void PrintRow(std::ostream& out, const std::vector<std::string>& row,
 
 }  // namespace
 
+size_t DisplayWidth(const std::string& utf8) {
+    size_t width = 0;
+    size_t offset = 0;
+    while (offset < utf8.size()) {
+        char32_t codePoint = 0;
+        if (!ReadCodePoint(utf8, &offset, &codePoint)) {
+            ++offset;
+            ++width;
+        } else if (!InRanges(kZeroWidthRanges, codePoint)) {
+            width += InRanges(kWideRanges, codePoint) ? 2 : 1;
+        }
+    }
+    return width;
+}
+
 void PrintTable(std::ostream& out, const TextTable& table) {
     std::vector<size_t> widths(table.header.size(), 0);
     auto widen = [&widths](const std::vector<std::string>& row) {
         for (size_t column = 0; column < row.size() && column < widths.size(); ++column) {
-            widths[column] = std::max(widths[column], row[column].size());
+            widths[column] = std::max(widths[column], DisplayWidth(row[column]));
         }
     };
     widen(table.header);

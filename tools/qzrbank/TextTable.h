@@ -18,7 +18,11 @@ struct TextTable {
     std::vector<size_t> groupStarts;  // rows before which the table prints an empty line
 };
 
-// Columns two blanks apart, padded to their widest cell (counted in bytes); no trailing blanks.
+// The columns a UTF-8 text takes on a terminal: East Asian wide characters take two, combining
+// marks none, every other character (and every byte that starts no character) one.
+size_t DisplayWidth(const std::string& utf8);
+
+// Columns two blanks apart, padded to their widest cell by display width; no trailing blanks.
 void PrintTable(std::ostream& out, const TextTable& table);
 // One line per row, header first; cells with a comma, quote or line end are quoted.
 void PrintCsv(std::ostream& out, const TextTable& table);

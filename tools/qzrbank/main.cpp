@@ -111,6 +111,13 @@ int main(int argc, char** argv) {
         ->check(CLI::IsMember({"imm", "rtm", "all"}));
     listCommand->add_option("--maker", maker, "only this maker (case is ignored)");
     AddFormatOption(listCommand, &list.format, {"table", "csv", "json"});
+    listCommand->add_option("--columns", list.columns,
+                            "columns a,b,c: fields by name or sectioned key, Kind, Bank");
+    listCommand->add_option("--sort", list.sort, "sort by columns a,b (default Maker,Grade)");
+    listCommand
+        ->add_option("--where", list.where,
+                     "keep rows where 'Column>=10' (< <= > >= =); repeatable")
+        ->allow_extra_args(false);
 
     qzrbank::ShowOptions show;
     CLI::App* showCommand = app.add_subcommand("show", "every attribute of one machine");
