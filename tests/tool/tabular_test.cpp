@@ -2,6 +2,7 @@
 // aligned by display width with units and fixed decimals, and empty results.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <sstream>
 
@@ -85,6 +86,80 @@ TEST(Tabular, ListSelectsSortsAndAligns) {
         EXPECT_EQ(qzrbank::RunList(options, out, err), row.exitCode) << err.str();
         EXPECT_EQ(out.str(), row.out);
     }
+}
+
+}  // namespace
+
+namespace {
+
+std::vector<std::string> CsvLines(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);) {
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+// The cells of a CSV line, quoted cells unquoted.
+std::vector<std::string> CsvCells(const std::string& line) {
+    std::vector<std::string> cells(1);
+    bool quoted = false;
+    for (size_t i = 0; i < line.size(); ++i) {
+        if (line[i] == '"') {
+            quoted = !quoted;
+            if (!quoted && i + 1 < line.size() && line[i + 1] == '"') {
+                cells.back() += '"';
+            }
+        } else if (line[i] == ',' && !quoted) {
+            cells.emplace_back();
+        } else {
+            cells.back() += line[i];
+        }
+    }
+    return cells;
+}
+
+std::string Export(const std::string& bank, const std::string& format) {
+    std::ostringstream out;
+    std::ostringstream err;
+    EXPECT_EQ(qzrbank::RunExport({bank, format, "cp1252"}, out, err), 0) << err.str();
+    return out.str();
+}
+
+TEST(Tabular, ExportWritesEveryFieldDecodedWithNumbersThatReadBack) {
+    const qzrbank_test::TempFolder folder;
+    std::string text = qzrbank_test::UserBankText({{"Caf\xE9, \"Nord\"", "G1", 10, 5}});
+    text.replace(text.find("5.000000"), 8, "0.30000000000000004");
+    qzrbank_test::WriteFile(folder / "user.bnk", text);
+    const std::vector<std::string> csv = CsvLines(Export(folder / "user.bnk", "csv"));
+    ASSERT_EQ(csv.size(), 2u);
+    EXPECT_EQ(csv[1].rfind("IMM,\"Caf\u00E9, \"\"Nord\"\"\",G1,", 0), 0u) << csv[1];
+    EXPECT_NE(csv[1].find(",0.30000000000000004,"), std::string::npos) << csv[1];
+
+    const std::string json = Export(folder / "user.bnk", "json");
+    EXPECT_NE(json.find("\"Maker\": \"Caf\u00E9, \\\"Nord\\\"\""), std::string::npos) << json;
+    EXPECT_NE(json.find("\"ShotWeight\": 0.30000000000000004,"), std::string::npos);
+    EXPECT_EQ(json.find("PlungerDiameter"), std::string::npos) << "a field of the other kind";
+}
+
+TEST(Tabular, ExportGivesBothKindsOneColumnSet) {
+    const std::vector<std::string> csv = CsvLines(Export(qzrbank_test::ToolData("fixture"), "csv"));
+    ASSERT_EQ(csv.size(), 6u);
+    const std::vector<std::string> header = CsvCells(csv[0]);
+    const auto column = [&header](const char* name) {
+        return std::find(header.begin(), header.end(), name) - header.begin();
+    };
+    for (size_t line = 1; line < csv.size(); ++line) {
+        const std::vector<std::string> cells = CsvCells(csv[line]);
+        SCOPED_TRACE(csv[line]);
+        ASSERT_EQ(cells.size(), header.size());
+        const bool rtm = cells[0] == "RTM";
+        EXPECT_EQ(cells[column("ScrewDiameter")].empty(), rtm);
+        EXPECT_EQ(cells[column("PlungerDiameter")].empty(), !rtm);
+        EXPECT_EQ(cells[column("ClampingForce")].empty(), false);
+    }
+    EXPECT_EQ(column("MachineID"), static_cast<long>(header.size())) << "no catalogue numbers";
 }
 
 }  // namespace

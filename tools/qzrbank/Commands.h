@@ -62,6 +62,15 @@ struct ConvertOptions {
 };
 int RunConvert(const ConvertOptions& options, std::ostream& out, std::ostream& err);
 
+// Every machine of a bank file or bank folder with every attribute; ExportCommand.cpp describes
+// the CSV and JSON it writes.
+struct ExportOptions {
+    std::string bank;
+    std::string format = "csv";  // "csv" or "json"
+    std::string encoding = "cp1252";
+};
+int RunExport(const ExportOptions& options, std::ostream& out, std::ostream& err);
+
 }  // namespace qzrbank
 
 #endif  // QZRBANK_COMMANDS_H

@@ -10,6 +10,7 @@
 #include "BankFiles.h"
 #include "BankLoading.h"
 #include "Commands.h"
+#include "ExportCommand.h"
 #include "MachineDetails.h"
 #include "Numbers.h"
 #include "TextEncoding.h"
@@ -537,17 +538,6 @@ std::optional<int> ShowMachine(const SourcedCatalogue& sourced, const ShowOption
     return kExitOk;
 }
 
-// What a folder load passed over or found under another name; the rest of what the loads did
-// is the checker's to tell.
-void PrintLoadWarnings(const LoadWatcher& watcher, std::ostream& err) {
-    for (const Finding& finding : watcher.Findings()) {
-        if (finding.code == "letter-case" || finding.code == "file-skipped" ||
-            finding.code == "load-fails") {
-            err << "qzrbank: " << Location(finding) << ": warning: " << finding.message << '\n';
-        }
-    }
-}
-
 // The options of list that select and order, checked; false, with a message, at a bad one.
 struct ListSelection {
     std::vector<ListColumn> columns;
@@ -645,33 +635,8 @@ int RunShow(const ShowOptions& options, std::ostream& out, std::ostream& err) {
         return kExitError;
     }
     LoadedFolder loaded;
-    const std::string problem = ReadProblem(options.bank);
-    if (problem == "is a folder") {
-        BankFolder folder;
-        std::string error;
-        if (!LocateBankFolder(options.bank, &folder, &error)) {
-            err << "qzrbank: " << error << '\n';
-            return kExitError;
-        }
-        LoadWatcher watcher;
-        LoadBankFolder(folder, true, true, &loaded, &watcher);
-        PrintLoadWarnings(watcher, err);
-    } else if (!problem.empty()) {
-        err << "qzrbank: " << options.bank << ": " << problem << '\n';
+    if (!LoadBankTarget(options.bank, &loaded, err)) {
         return kExitError;
-    } else {
-        BankLoad load = BankLoad::OldIMMSystem;
-        if (!LoadOfKind(RecognizeBankFile(options.bank).kind, &load)) {
-            err << "qzrbank: " << options.bank
-                << ": not a bank (no loader recognises its header)\n";
-            return kExitError;
-        }
-        SourcedCatalogue& catalogue = IsRTMLoad(load) ? loaded.rtm : loaded.imm;
-        if (!catalogue.Load(load, options.bank, options.bank)) {
-            err << "qzrbank: " << options.bank
-                << ": refused by its loader (run 'qzrbank check' on it)\n";
-            return kExitError;
-        }
     }
     std::optional<int> shown = ShowMachine<CQZRIM>(loaded.imm, options, *encoding, "IMM", out, err);
     if (!shown) {

@@ -16,7 +16,7 @@
 
 namespace {
 
-const char* const kCommands[] = {"list", "show", "info", "check", "convert"};
+const char* const kCommands[] = {"list", "show", "info", "check", "convert", "export"};
 
 // Letters to insert, delete or replace to turn one word into the other.
 size_t EditDistance(const std::string& a, const std::string& b) {
@@ -148,13 +148,21 @@ int main(int argc, char** argv) {
     convertCommand->add_option("IN", convert.input, "the bank to convert")->required();
     convertCommand->add_option("OUT", convert.output, "the bank file to write")->required();
 
+    qzrbank::ExportOptions exportOptions;
+    CLI::App* exportCommand = app.add_subcommand(
+        "export", "every machine of a bank with every attribute, as CSV or JSON in UTF-8");
+    exportCommand->add_option("BANK", exportOptions.bank, "a bank file or a bank folder")
+        ->required();
+    AddFormatOption(exportCommand, &exportOptions.format, {"csv", "json"});
+    AddEncodingOption(exportCommand, &exportOptions.encoding);
+
     AddEncodingOption(listCommand, &list.encoding);
     AddEncodingOption(showCommand, &show.encoding);
     AddEncodingOption(infoCommand, &info.encoding);
     AddEncodingOption(checkCommand, &check.encoding);
 
     for (CLI::App* command :
-         {listCommand, showCommand, infoCommand, checkCommand, convertCommand}) {
+         {listCommand, showCommand, infoCommand, checkCommand, convertCommand, exportCommand}) {
         command->allow_windows_style_options(false);
     }
 
@@ -196,6 +204,8 @@ int main(int argc, char** argv) {
             code = qzrbank::RunInfo(info, out, std::cerr);
         } else if (checkCommand->parsed()) {
             code = qzrbank::RunCheck(check, std::cin, out, std::cerr);
+        } else if (exportCommand->parsed()) {
+            code = qzrbank::RunExport(exportOptions, out, std::cerr);
         } else {
             code = qzrbank::RunConvert(convert, out, std::cerr);
         }
