@@ -48,7 +48,7 @@ TEST(Tabular, ListSelectsSortsAndAligns) {
          [](auto& o) {
              o.format = "csv";
              o.columns = "Grade";
-             o.where = {"ClampingForce>=10", "ShotWeight<2.5", "Stroke=0"};
+             o.where = {"ClampingForce>=10", "ShotWeight < 2.5", "Stroke=0"};
          },
          0, "Grade\nK-100\nN-10\n"},
         {"empty result in JSON",
@@ -74,6 +74,7 @@ TEST(Tabular, ListSelectsSortsAndAligns) {
         {"no such column", [](auto& o) { o.columns = "Maker,Colour"; }, 2, ""},
         {"condition on a text column", [](auto& o) { o.where = {"Maker>3"}; }, 2, ""},
         {"condition without a number", [](auto& o) { o.where = {"ClampingForce>="}; }, 2, ""},
+        {"condition with more than a number", [](auto& o) { o.where = {"Stroke<1mm"}; }, 2, ""},
     };
     for (const ListRow& row : rows) {
         SCOPED_TRACE(row.label);

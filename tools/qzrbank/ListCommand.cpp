@@ -180,23 +180,30 @@ struct Condition {
     }
 };
 
-// "Column>=10": a column, one of < <= > >= =, a number; false, with a message, otherwise.
+std::string WithoutBlanks(const std::string& text) {
+    const size_t first = text.find_first_not_of(' ');
+    const size_t last = text.find_last_not_of(' ');
+    return first == std::string::npos ? std::string() : text.substr(first, last - first + 1);
+}
+
+// "Column>=10": a numeric column, one of < <= > >= =, a number (blanks around either allowed);
+// false, with a message, otherwise.
 bool ParseCondition(const std::string& text, Condition* condition, std::string* error) {
     const size_t at = text.find_first_of("<>=");
-    std::optional<ListColumn> column;
-    if (at != std::string::npos && at > 0) {
-        column = ResolveColumn(text.substr(0, at));
+    if (at != std::string::npos) {
+        const bool twoSigns = text[at] != '=' && text.compare(at + 1, 1, "=") == 0;
+        condition->comparison = text.substr(at, twoSigns ? 2 : 1);
+        std::optional<ListColumn> column = ResolveColumn(WithoutBlanks(text.substr(0, at)));
+        const std::string bound = WithoutBlanks(text.substr(at + condition->comparison.size()));
+        const char* end = bound.data() + bound.size();
+        if (column && column->numeric && !bound.empty() &&
+            std::from_chars(bound.data(), end, condition->bound).ptr == end) {
+            condition->column = std::move(*column);
+            return true;
+        }
     }
-    const size_t length = text.compare(at + 1, 1, "=") == 0 && text[at] != '=' ? 2 : 1;
-    const std::string bound = at == std::string::npos ? "" : text.substr(at + length);
-    if (!column || !column->numeric || bound.empty() ||
-        !qzr::platform::ScanDouble(bound.c_str(), &condition->bound)) {
-        *error = "bad condition '" + text + "' (a numeric column, one of < <= > >= =, a number)";
-        return false;
-    }
-    condition->column = std::move(*column);
-    condition->comparison = text.substr(at, length);
-    return true;
+    *error = "bad condition '" + text + "' (a numeric column, one of < <= > >= =, a number)";
+    return false;
 }
 
 bool IsDigit(char c) {
