@@ -1,6 +1,8 @@
 // The columns of the legacy tabular row as the field table gives them: the fields of an
 // injection-moulding record and of its nozzle data that have a column, in column order. The
-// row parser takes each layout's trailing columns from them, the writer its whole row.
+// order is worked out while compiling (kRowColumns), so that the row parser and writer expand
+// it into direct accessor calls; LegacyColumns() gives the same columns with their descriptors
+// (titles, units, names) for what runs once per file or only for a watched load.
 #ifndef QZR_BANK_LEGACY_LEGACYCOLUMNS_H
 #define QZR_BANK_LEGACY_LEGACYCOLUMNS_H
 
