@@ -34,9 +34,9 @@ constexpr size_t CountColumns(const records::LegacyColumn (&columns)[N]) {
     return count;
 }
 
-constexpr size_t kColumnCount = CountColumns(records::kCommonLegacyColumns) +
-                                CountColumns(records::kIMMLegacyColumns) +
-                                CountColumns(records::kNozzleLegacyColumns);
+inline constexpr size_t kColumnCount = CountColumns(records::kCommonLegacyColumns) +
+                                       CountColumns(records::kIMMLegacyColumns) +
+                                       CountColumns(records::kNozzleLegacyColumns);
 
 template <size_t N>
 constexpr void AddPlaces(const records::LegacyColumn (&columns)[N], TableList list,
@@ -65,7 +65,7 @@ constexpr std::array<ColumnPlace, kColumnCount> ColumnsInRowOrder() {
 }
 
 // Every column of the writer's row after the ID, in column order, while compiling.
-constexpr std::array<ColumnPlace, kColumnCount> kRowColumns = ColumnsInRowOrder();
+inline constexpr std::array<ColumnPlace, kColumnCount> kRowColumns = ColumnsInRowOrder();
 
 constexpr const records::LegacyColumn& ColumnAt(const ColumnPlace& place) {
     return place.list == TableList::kCommon ? records::kCommonLegacyColumns[place.index]
