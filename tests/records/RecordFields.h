@@ -5,6 +5,9 @@
 #ifndef QZR_TESTS_RECORDS_RECORDFIELDS_H
 #define QZR_TESTS_RECORDS_RECORDFIELDS_H
 
+#include <gtest/gtest.h>
+
+#include <algorithm>
 #include <charconv>
 #include <functional>
 #include <string>
@@ -66,8 +69,8 @@ void AddDescribed(FieldList<Target> list, Access access, std::vector<Field<R>>* 
     }
 }
 
-// The record's fields in the order of the expectations; a field the table has and the list not
-// (or the other way round) comes with the name "missing <name>".
+// The record's fields in the order of the expectations; a field the table has and the list not,
+// or the other way round, fails the test.
 template <class R>
 std::vector<Field<R>> Fields() {
     std::vector<Field<R>> described;
@@ -85,15 +88,12 @@ std::vector<Field<R>> Fields() {
     std::vector<Field<R>> fields;
     const std::string kind = std::is_same_v<R, CQZRIM> ? "IM" : "RTM";
     for (const auto& row : qzr::test::ReadDataRows("records/fields.txt")) {
+        const auto found = std::find_if(described.begin(), described.end(),
+                                        [&](const Field<R>& f) { return f.name == row.fields[1]; });
         if (row.fields[0] != kind && row.fields[0] != "both") {
             continue;
-        }
-        auto found = described.begin();
-        while (found != described.end() && found->name != row.fields[1]) {
-            ++found;
-        }
-        if (found == described.end()) {
-            fields.push_back({"missing " + row.fields[1], FieldType::kText, "", "", {}, {}});
+        } else if (found == described.end()) {
+            ADD_FAILURE() << row.where << ": no such field in the table";
             continue;
         }
         fields.push_back(*found);
@@ -102,7 +102,7 @@ std::vector<Field<R>> Fields() {
         described.erase(found);
     }
     for (const Field<R>& left : described) {
-        fields.push_back({"missing " + left.name, left.type, "", "", {}, {}});
+        ADD_FAILURE() << "the table's field " << left.name << " has no row in records/fields.txt";
     }
     return fields;
 }
@@ -117,9 +117,7 @@ R Filled(int variant) {
     R record;
     const std::vector<Field<R>> fields = Fields<R>();
     for (size_t row = 0; row < fields.size(); ++row) {
-        if (fields[row].set) {
-            fields[row].set(record, Value(Number(row, variant)));
-        }
+        fields[row].set(record, Value(Number(row, variant)));
     }
     return record;
 }
