@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "DataRows.h"
 #include "TempFolder.h"
 #include "platform/Env.h"
 #include "platform/Wildcard.h"
@@ -68,29 +69,14 @@ TEST(Wildcard, NtfsOrder) {
 }
 
 // Which entry of a folder stands in for a name asked for in other letter case, as Windows finds
-// names.
+// names: the rows of tests/data/letter_case.txt.
 TEST(LetterCase, WhichEntryStandsInForAName) {
-    const struct {
-        const char* label;
-        const char* name;
-        std::vector<std::string> entries;  // in the order a folder gives them
-        const char* expected;              // null: none
-    } rows[] = {
-        // clang-format off
-        {"the exact name wins", "User-IMM.bnk", {"USER-IMM.BNK", "user-imm.bnk", "User-IMM.bnk"},
-         "User-IMM.bnk"},
-        {"else the first listed: capitals sort first", "User-IMM.bnk",
-         {"user-imm.bnk", "User-Imm.bnk", "USER-imm.bnk"}, "USER-imm.bnk"},
-        {"only the letter case may differ", "User-IMM.bnk", {"User-IMM.bnk.bak", "User-IMM.bn"}, nullptr},
-        {"only ASCII letters fold", "\xC4rger.bnk", {"\xE4rger.bnk"}, nullptr},
-        {"punctuation 0x20 apart does not fold", "Bank@1", {"bank`1"}, nullptr},
-        // clang-format on
-    };
-    for (const auto& row : rows) {
-        const std::string* found = FindEntryIgnoringCase(row.name, row.entries);
-        EXPECT_EQ(found != nullptr ? *found : "(none)",
-                  row.expected != nullptr ? row.expected : "(none)")
-            << row.label;
+    const std::vector<test::DataRow> rows = test::ReadDataRows("letter_case.txt");
+    ASSERT_FALSE(rows.empty());
+    for (const test::DataRow& row : rows) {  // name, entry found or -, the folder's entries
+        const std::vector<std::string> entries(row.fields.begin() + 2, row.fields.end());
+        const std::string* found = FindEntryIgnoringCase(row.fields[0], entries);
+        EXPECT_EQ(found != nullptr ? *found : "-", row.fields[1]) << row.where;
     }
 }
 
