@@ -40,11 +40,6 @@ std::string Hex(uint64_t bits) {
     return text;
 }
 
-// A text as a failure message shows it, control bytes escaped.
-std::string Shown(const std::string& text) {
-    return ::testing::PrintToString(text);
-}
-
 // Our writer of a printf format: "%lf", "%6.2f", "%lg" or "%.<precision>g".
 std::string Written(const std::string& format, double value) {
     char text[kLongestNumber];
@@ -130,6 +125,11 @@ TEST(CNumbers, PinnedInADecimalCommaLocale) {
 // Agreement with the GNU C library on generated texts and values
 
 #if defined(__GLIBC__)
+
+// A text as a failure message shows it, control bytes escaped.
+std::string Shown(const std::string& text) {
+    return ::testing::PrintToString(text);
+}
 
 std::string Printf(const std::string& format, double value) {
     char text[512];
