@@ -50,8 +50,35 @@ int RunCheck(const CheckOptions& options, std::istream& in, std::ostream& out, s
 struct ConvertOptions {
     std::string input;
     std::string output;
+    bool force = false;      // replace an existing OUT and OUT.bak
+    bool allowLoss = false;  // write though machines or attributes do not read back
 };
 int RunConvert(const ConvertOptions& options, std::ostream& out, std::ostream& err);
+
+// set, add, rm and rename: one machine of a user bank file, which is written back in place
+// (its previous content kept as BANK.bak) when everything reads back intact or allowLoss.
+struct EditOptions {
+    std::string bank;
+    std::string maker;
+    std::string grade;
+    std::vector<std::string> assignments;  // set, add: KEY=VALUE, KEY a sectioned key or name
+    std::string newMaker;                  // rename
+    std::string newGrade;                  // rename
+    bool allowLoss = false;
+};
+int RunSet(const EditOptions& options, std::ostream& out, std::ostream& err);
+int RunAdd(const EditOptions& options, std::ostream& out, std::ostream& err);
+int RunRemove(const EditOptions& options, std::ostream& out, std::ostream& err);
+int RunRename(const EditOptions& options, std::ostream& out, std::ostream& err);
+
+// diff: exit 0 when both banks hold the same machines with the same attributes (those both
+// formats hold), 1 when they differ.
+struct DiffOptions {
+    std::string a;
+    std::string b;
+    std::string format = "table";  // "table" or "json"
+};
+int RunDiff(const DiffOptions& options, std::ostream& out, std::ostream& err);
 
 }  // namespace qzrbank
 

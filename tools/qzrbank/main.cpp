@@ -16,7 +16,8 @@
 
 namespace {
 
-const char* const kCommands[] = {"list", "show", "info", "check", "convert"};
+const char* const kCommands[] = {"list", "show", "info", "check",  "convert",
+                                 "set",  "add",  "rm",   "rename", "diff"};
 
 // Letters to insert, delete or replace to turn one word into the other.
 size_t EditDistance(const std::string& a, const std::string& b) {
@@ -62,6 +63,15 @@ void AddFormatOption(CLI::App* command, std::string* format, std::vector<std::st
     }
     command->add_option("--format", *format, help + " (default " + names.front() + ")")
         ->check(CLI::IsMember(std::move(names)));
+}
+
+// The flags of every command that writes a bank.
+void AddWriteFlags(CLI::App* command, bool* force, bool* allowLoss) {
+    if (force != nullptr) {
+        command->add_flag("--force", *force, "replace an existing OUT (kept as OUT.bak)");
+    }
+    command->add_flag("--allow-loss", *allowLoss,
+                      "write even when machines or attributes would not read back intact");
 }
 
 // Writes what a command gave for standard output; every byte must reach it.
@@ -132,9 +142,37 @@ int main(int argc, char** argv) {
         "legacy bank -> sectioned IMM user bank, sectioned IMM bank -> legacy user bank");
     convertCommand->add_option("IN", convert.input, "the bank to convert")->required();
     convertCommand->add_option("OUT", convert.output, "the bank file to write")->required();
+    AddWriteFlags(convertCommand, &convert.force, &convert.allowLoss);
 
-    for (CLI::App* command :
-         {listCommand, showCommand, infoCommand, checkCommand, convertCommand}) {
+    // Edits of one machine of a user bank.
+    qzrbank::EditOptions edit;
+    const auto addEditCommand = [&app, &edit](const char* name, const char* help) {
+        CLI::App* command = app.add_subcommand(name, help);
+        command->add_option("BANK", edit.bank, "a user bank file, edited in place")->required();
+        command->add_option("MAKER", edit.maker, "the maker")->required();
+        command->add_option("GRADE", edit.grade, "the grade")->required();
+        AddWriteFlags(command, nullptr, &edit.allowLoss);
+        return command;
+    };
+    CLI::App* setCommand = addEditCommand("set", "change attributes of a machine");
+    setCommand->add_option("KEY=VALUE", edit.assignments, "sectioned key or attribute name")
+        ->required();
+    CLI::App* addCommand = addEditCommand("add", "add a machine");
+    addCommand->add_option("KEY=VALUE", edit.assignments, "sectioned key or attribute name");
+    CLI::App* rmCommand = addEditCommand("rm", "remove a machine");
+    CLI::App* renameCommand = addEditCommand("rename", "give a machine a new maker and grade");
+    renameCommand->add_option("NEWMAKER", edit.newMaker, "the new maker")->required();
+    renameCommand->add_option("NEWGRADE", edit.newGrade, "the new grade")->required();
+
+    qzrbank::DiffOptions diff;
+    CLI::App* diffCommand =
+        app.add_subcommand("diff", "machines added, removed and changed from bank A to bank B");
+    diffCommand->add_option("A", diff.a, "a bank file")->required();
+    diffCommand->add_option("B", diff.b, "a bank file")->required();
+    AddFormatOption(diffCommand, &diff.format, {"table", "json"});
+
+    for (CLI::App* command : {listCommand, showCommand, infoCommand, checkCommand, convertCommand,
+                              setCommand, addCommand, rmCommand, renameCommand, diffCommand}) {
         command->allow_windows_style_options(false);
     }
 
@@ -176,8 +214,18 @@ int main(int argc, char** argv) {
             code = qzrbank::RunInfo(info, out, std::cerr);
         } else if (checkCommand->parsed()) {
             code = qzrbank::RunCheck(check, std::cin, out, std::cerr);
-        } else {
+        } else if (convertCommand->parsed()) {
             code = qzrbank::RunConvert(convert, out, std::cerr);
+        } else if (setCommand->parsed()) {
+            code = qzrbank::RunSet(edit, out, std::cerr);
+        } else if (addCommand->parsed()) {
+            code = qzrbank::RunAdd(edit, out, std::cerr);
+        } else if (rmCommand->parsed()) {
+            code = qzrbank::RunRemove(edit, out, std::cerr);
+        } else if (renameCommand->parsed()) {
+            code = qzrbank::RunRename(edit, out, std::cerr);
+        } else if (diffCommand->parsed()) {
+            code = qzrbank::RunDiff(diff, out, std::cerr);
         }
     } catch (const std::exception& error) {
         std::cerr << "qzrbank: " << error.what() << '\n';
