@@ -1,8 +1,8 @@
 // The subcommands of qzrbank. Each writes its results to out and its errors, one line each, to
 // err, and returns the process exit code: 0 done (and, for check, nothing found), 1 findings or
-// differences (check found something, show or list found no such machine, convert could not
-// read back all it wrote), 2 a usage or I/O error (a missing or unreadable file, a bank no
-// loader accepts where one is needed, a bad argument).
+// differences (check found something, show or list found no such machine, a write would lose
+// data and allowLoss is off, diff found a difference), 2 a usage or I/O error (a missing or
+// unreadable file, a bank no loader accepts where one is needed, a bad argument).
 #ifndef QZRBANK_COMMANDS_H
 #define QZRBANK_COMMANDS_H
 

@@ -76,7 +76,7 @@ std::vector<std::string> NotCompared(const DiffSide& a, const DiffSide& b) {
     return names;
 }
 
-void PrintDiffTable(const std::vector<MachineDifference>& differences,
+void PrintDiffTable(size_t machines, const std::vector<MachineDifference>& differences,
                     const std::vector<std::string>& notCompared, std::ostream& out) {
     if (!notCompared.empty()) {
         std::string names;
@@ -98,7 +98,9 @@ void PrintDiffTable(const std::vector<MachineDifference>& differences,
                                   Shown(change, change.before), Shown(change, change.after)});
         }
     }
-    if (!table.rows.empty()) {
+    if (table.rows.empty()) {
+        out << machines << (machines == 1 ? " machine" : " machines") << ", no differences\n";
+    } else {
         PrintTable(out, table);
     }
 }
@@ -138,14 +140,14 @@ int RunDiff(const DiffOptions& options, std::ostream& out, std::ostream& err) {
     const auto both = [&a, &b](const Attribute& attribute) {
         return CarriedBy(attribute, a.format) && CarriedBy(attribute, b.format);
     };
-    const std::vector<MachineDifference> differences =
-        CompareMachines(MachinesToCompare(a.catalogue), MachinesToCompare(b.catalogue), both,
-                        [](const Attribute&) { return true; });
+    const std::vector<ComparedMachine> machines = MachinesToCompare(a.catalogue);
+    const std::vector<MachineDifference> differences = CompareMachines(
+        machines, MachinesToCompare(b.catalogue), both, [](const Attribute&) { return true; });
     const std::vector<std::string> notCompared = NotCompared(a, b);
     if (options.format == "json") {
         PrintDiffJson(a, b, differences, notCompared, out);
     } else {
-        PrintDiffTable(differences, notCompared, out);
+        PrintDiffTable(machines.size(), differences, notCompared, out);
     }
     return differences.empty() ? kExitOk : kExitNegative;
 }

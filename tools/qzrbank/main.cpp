@@ -98,9 +98,9 @@ int main(int argc, char** argv) {
     app.set_version_flag("--version", "qzrbank " QZRBANK_VERSION);
     app.footer(
         "Exit codes: 0 done (check: nothing found); 1 findings or differences (check found\n"
-        "something, show or list --maker found no such machine, convert could not read back\n"
-        "every machine); 2 a usage or I/O error (bad argument, missing or unreadable file,\n"
-        "failed write). See tools/README.md.");
+        "something, show or list --maker found no such machine, a write would lose data\n"
+        "and --allow-loss was not given, diff found a difference); 2 a usage or I/O error\n"
+        "(bad argument, missing or unreadable file, failed write). See tools/README.md.");
 
     qzrbank::ListOptions list;
     std::string bankDir;
