@@ -159,7 +159,7 @@ TEST(Edits, ReadBackAsMadeOrLeaveTheBankAlone) {
          Edit("Dravinsk", "DR 450", {}, "Dravinsk", "DR 700"), 2, "holds Dravinsk - DR 700",
          nullptr},
         {"a system bank", "system-pro.bnk", BankLoad::OldIMMSystem, qzrbank::RunRemove,
-         Edit("Dravinsk", "DR 120"), 2, "edits take a user bank", nullptr},
+         Edit("Dravinsk", "DR 120"), 2, "this takes a user bank", nullptr},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.label);

@@ -303,6 +303,30 @@ bool UserBankFormat(int kind, BankFormat* format) {
     }
 }
 
+bool LoadUserBank(const std::string& path, CQZRMoldingMachineCtrl* catalogue, WriteOptions* write,
+                  std::ostream& err) {
+    const std::string problem = ReadProblem(path);
+    if (!problem.empty()) {
+        err << "qzrbank: " << path << ": " << problem << '\n';
+        return false;
+    }
+    const Recognition header = RecognizeBankFile(path);
+    if (!UserBankFormat(header.kind, &write->format)) {
+        err << "qzrbank: " << path << ": a bank of kind " << BankKindName(header.kind)
+            << "; this takes a user bank (OldIMMUserBank, IMMUserBank or RTMUserBank)\n";
+        return false;
+    }
+    BankLoad load = BankLoad::IMMUser;
+    LoadOfKind(header.kind, &load);
+    if (!LoadWatched(load, path, catalogue, &write->skippedOnLoad)) {
+        err << "qzrbank: " << path << ": refused by its loader (run 'qzrbank check' on it)\n";
+        return false;
+    }
+    write->output = path;
+    write->force = true;
+    return true;
+}
+
 int WriteBank(const CQZRMoldingMachineCtrl& catalogue, const WriteOptions& options,
               std::ostream& out, std::ostream& err) {
     const fs::path target(NativePath(options.output));
@@ -347,6 +371,10 @@ int WriteBank(const CQZRMoldingMachineCtrl& catalogue, const WriteOptions& optio
         err << "qzrbank: " << options.output << ": not written: " << Summary(losses, format)
             << "; --allow-loss writes it all the same\n";
         return kExitNegative;
+    }
+    if (options.dryRun) {
+        out << "would write " << options.output << ": " << Summary(losses, format) << '\n';
+        return kExitOk;
     }
     const std::string placed = PutInPlace(written, target);
     if (!placed.empty()) {

@@ -25,6 +25,7 @@ struct WriteOptions {
     BankFormat format = BankFormat::kSectionedIMM;
     bool force = false;      // replace an existing OUT and OUT.bak
     bool allowLoss = false;  // write even when machines or attributes do not read back
+    bool dryRun = false;     // everything but replacing OUT
     // What the loads that filled the catalogue passed over: reported as lost too.
     std::vector<Finding> skippedOnLoad;
 };
@@ -39,6 +40,12 @@ void PrepareForFormat(BankFormat format, CQZRMoldingMachineCtrl* catalogue);
 // format's (PrepareForFormat).
 int WriteBank(const CQZRMoldingMachineCtrl& catalogue, const WriteOptions& options,
               std::ostream& out, std::ostream& err);
+
+// Loads a user bank file to be written back in place: write gets its path, format and what the
+// load skipped, and force. False, with one line on err, for a file that cannot be read or is
+// no user bank its loader accepts.
+bool LoadUserBank(const std::string& path, CQZRMoldingMachineCtrl* catalogue, WriteOptions* write,
+                  std::ostream& err);
 
 // The format of a user bank kind (a qzr::bank::BankKind value); false for other kinds.
 bool UserBankFormat(int kind, BankFormat* format);

@@ -80,6 +80,19 @@ struct DiffOptions {
 };
 int RunDiff(const DiffOptions& options, std::ostream& out, std::ostream& err);
 
+// import: machines of a CSV or JSON file as export writes it added to a user bank (edited in
+// place) or to a new bank file; exit 2 with nothing written for any machine that is refused.
+struct ImportOptions {
+    std::string file;
+    std::string bank;
+    std::string onDuplicate = "fail";     // a machine the bank holds: "skip", "replace" or "fail"
+    std::string encoding = "cp1252";      // the code page of the bank's texts
+    std::string newFormat = "sectioned";  // a new bank of IMM machines: "sectioned" or "legacy"
+    bool dryRun = false;
+    bool allowLoss = false;
+};
+int RunImport(const ImportOptions& options, std::ostream& out, std::ostream& err);
+
 }  // namespace qzrbank
 
 #endif  // QZRBANK_COMMANDS_H

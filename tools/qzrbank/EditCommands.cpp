@@ -2,7 +2,6 @@
 // honest write (BankWrite.h), the bank's previous content kept as BANK.bak.
 #include <QZRMachine/QZRMoldingMachineCtrl.h>
 
-#include "BankFiles.h"
 #include "BankLoading.h"
 #include "BankWrite.h"
 #include "Commands.h"
@@ -20,26 +19,9 @@ struct EditedBank {
 };
 
 bool LoadForEdit(const EditOptions& options, EditedBank* bank, std::ostream& err) {
-    const std::string problem = ReadProblem(options.bank);
-    if (!problem.empty()) {
-        err << "qzrbank: " << options.bank << ": " << problem << '\n';
+    if (!LoadUserBank(options.bank, &bank->catalogue, &bank->write, err)) {
         return false;
     }
-    const Recognition header = RecognizeBankFile(options.bank);
-    if (!UserBankFormat(header.kind, &bank->write.format)) {
-        err << "qzrbank: " << options.bank << ": a bank of kind " << BankKindName(header.kind)
-            << "; edits take a user bank (OldIMMUserBank, IMMUserBank or RTMUserBank)\n";
-        return false;
-    }
-    BankLoad load = BankLoad::IMMUser;
-    LoadOfKind(header.kind, &load);
-    if (!LoadWatched(load, options.bank, &bank->catalogue, &bank->write.skippedOnLoad)) {
-        err << "qzrbank: " << options.bank
-            << ": refused by its loader (run 'qzrbank check' on it)\n";
-        return false;
-    }
-    bank->write.output = options.bank;
-    bank->write.force = true;
     bank->write.allowLoss = options.allowLoss;
     return true;
 }

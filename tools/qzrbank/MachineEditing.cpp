@@ -66,20 +66,10 @@ const FieldDescriptor<Target>* Find(FieldList<Target> fields, const std::string&
     return nullptr;
 }
 
-// One assignment to the record's own fields or, through `also`, those of its nozzle data.
+// A value for one of the record's own fields or those of its nozzle data.
 template <class Record>
-bool AssignOne(const std::string& assignment, Record* machine, std::string* error) {
-    const size_t equals = assignment.find('=');
-    if (equals == std::string::npos) {
-        *error = Quoted(assignment) + " is no KEY=VALUE";
-        return false;
-    }
-    const std::string key = assignment.substr(0, equals);
-    const std::string value = assignment.substr(equals + 1);
-    if (key == "Maker" || key == "Grade") {
-        *error = key + " changes through 'qzrbank rename'";
-        return false;
-    }
+bool AssignField(const std::string& key, const std::string& value, Record* machine,
+                 std::string* error) {
     const FieldDescriptor<Record>* field = Find(qzr::records::CommonFields<Record>(), key);
     if (field == nullptr) {
         field = Find(qzr::records::KindFields<Record>(), key);
@@ -105,6 +95,22 @@ bool AssignOne(const std::string& assignment, Record* machine, std::string* erro
     return assigned;
 }
 
+// One KEY=VALUE of set or add, which name the machine by their arguments.
+template <class Record>
+bool AssignOne(const std::string& assignment, Record* machine, std::string* error) {
+    const size_t equals = assignment.find('=');
+    if (equals == std::string::npos) {
+        *error = Quoted(assignment) + " is no KEY=VALUE";
+        return false;
+    }
+    const std::string key = assignment.substr(0, equals);
+    if (key == "Maker" || key == "Grade") {
+        *error = key + " changes through 'qzrbank rename'";
+        return false;
+    }
+    return AssignField(key, assignment.substr(equals + 1), machine, error);
+}
+
 template <class Record>
 bool AssignAll(const std::vector<std::string>& assignments, Record* machine, std::string* error) {
     for (const std::string& assignment : assignments) {
@@ -125,6 +131,16 @@ bool AssignAttributes(const std::vector<std::string>& assignments, CQZRIM* machi
 bool AssignAttributes(const std::vector<std::string>& assignments, CQZRRTM* machine,
                       std::string* error) {
     return AssignAll(assignments, machine, error);
+}
+
+bool AssignAttribute(const std::string& key, const std::string& value, CQZRIM* machine,
+                     std::string* error) {
+    return AssignField(key, value, machine, error);
+}
+
+bool AssignAttribute(const std::string& key, const std::string& value, CQZRRTM* machine,
+                     std::string* error) {
+    return AssignField(key, value, machine, error);
 }
 
 }  // namespace qzrbank

@@ -20,6 +20,13 @@ bool AssignAttributes(const std::vector<std::string>& assignments, CQZRIM* machi
 bool AssignAttributes(const std::vector<std::string>& assignments, CQZRRTM* machine,
                       std::string* error);
 
+// One attribute, the maker and grade included; false, with the reason, for an unknown key or a
+// value that is no number of the field's type.
+bool AssignAttribute(const std::string& key, const std::string& value, CQZRIM* machine,
+                     std::string* error);
+bool AssignAttribute(const std::string& key, const std::string& value, CQZRRTM* machine,
+                     std::string* error);
+
 }  // namespace qzrbank
 
 #endif  // QZRBANK_MACHINEEDITING_H

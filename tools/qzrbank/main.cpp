@@ -16,8 +16,8 @@
 
 namespace {
 
-const char* const kCommands[] = {"list", "show", "info", "check",  "convert",
-                                 "set",  "add",  "rm",   "rename", "diff"};
+const char* const kCommands[] = {"list", "show", "info",   "check", "convert", "set",
+                                 "add",  "rm",   "rename", "diff",  "import"};
 
 // Letters to insert, delete or replace to turn one word into the other.
 size_t EditDistance(const std::string& a, const std::string& b) {
@@ -171,8 +171,25 @@ int main(int argc, char** argv) {
     diffCommand->add_option("B", diff.b, "a bank file")->required();
     AddFormatOption(diffCommand, &diff.format, {"table", "json"});
 
-    for (CLI::App* command : {listCommand, showCommand, infoCommand, checkCommand, convertCommand,
-                              setCommand, addCommand, rmCommand, renameCommand, diffCommand}) {
+    qzrbank::ImportOptions import;
+    CLI::App* importCommand =
+        app.add_subcommand("import", "add machines of a CSV or JSON file to a user bank");
+    importCommand->add_option("FILE", import.file, "CSV or JSON as export writes it")->required();
+    importCommand->add_option("BANK", import.bank, "a user bank file, edited or made")->required();
+    importCommand->add_option("--on-duplicate", import.onDuplicate, "skip, replace or fail")
+        ->check(CLI::IsMember({"skip", "replace", "fail"}));
+    importCommand->add_option("--encoding", import.encoding,
+                              "the code page of the bank's texts (default cp1252)");
+    importCommand
+        ->add_option("--new-format", import.newFormat,
+                     "a new bank of IMM machines: sectioned or legacy")
+        ->check(CLI::IsMember({"sectioned", "legacy"}));
+    importCommand->add_flag("--dry-run", import.dryRun, "check and report, write nothing");
+    AddWriteFlags(importCommand, nullptr, &import.allowLoss);
+
+    for (CLI::App* command :
+         {listCommand, showCommand, infoCommand, checkCommand, convertCommand, setCommand,
+          addCommand, rmCommand, renameCommand, diffCommand, importCommand}) {
         command->allow_windows_style_options(false);
     }
 
@@ -226,6 +243,8 @@ int main(int argc, char** argv) {
             code = qzrbank::RunRename(edit, out, std::cerr);
         } else if (diffCommand->parsed()) {
             code = qzrbank::RunDiff(diff, out, std::cerr);
+        } else if (importCommand->parsed()) {
+            code = qzrbank::RunImport(import, out, std::cerr);
         }
     } catch (const std::exception& error) {
         std::cerr << "qzrbank: " << error.what() << '\n';
