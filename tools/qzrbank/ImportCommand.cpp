@@ -69,7 +69,7 @@ class Importer {
                                seen.first->second);
             return;
         }
-        Place(where, &machine);
+        Place(row, where, &machine);
     }
 
     const std::vector<std::string>& Errors() const { return m_errors; }
@@ -98,8 +98,9 @@ class Importer {
         return true;
     }
 
+    // A machine the bank holds is updated: the file's values over its own.
     template <class Record>
-    void Place(const std::string& where, Record* machine) {
+    void Place(const TabularMachine& row, const std::string& where, Record* machine) {
         Record existing;
         if (!m_catalogue->GetMachine(machine->GetMaker(), machine->GetGrade(), existing)) {
             if (m_catalogue->AddMachine(*machine)) {
@@ -110,7 +111,8 @@ class Importer {
         } else if (m_options.onDuplicate == "skip") {
             ++m_counts.skipped;
         } else if (m_options.onDuplicate == "replace") {
-            m_catalogue->SetMachineData(existing.GetMachineID(), *machine);
+            Fill(row, where, &existing);
+            m_catalogue->SetMachineData(existing.GetMachineID(), existing);
             ++m_counts.replaced;
         } else {
             m_errors.push_back(where + ": the bank holds " + DisplayName(existing) +
