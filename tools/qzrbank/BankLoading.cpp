@@ -6,10 +6,14 @@
 
 #include "BankFiles.h"
 #include "bank/BankKind.h"
+#include "platform/ExecutablePath.h"
 #include "platform/Wildcard.h"
 
 #ifndef QZRBANK_SHIPPED_BANK
 #define QZRBANK_SHIPPED_BANK "examples/Bank"
+#endif
+#ifndef QZRBANK_INSTALLED_BANK
+#define QZRBANK_INSTALLED_BANK "../share/qzrmachine/examples/Bank"
 #endif
 
 namespace qzrbank {
@@ -263,6 +267,17 @@ bool LocateBankFolder(const std::string& dir, BankFolder* folder, std::string* e
 }
 
 std::string ShippedBankFolder() {
+    // An installed tool finds the examples installed beside it, wherever the prefix was moved;
+    // a tool run from its build tree finds those of its source tree.
+    const std::string program = qzr::platform::ExecutablePath();
+    if (!program.empty()) {
+        std::error_code error;
+        const fs::path installed =
+            (fs::path(program).parent_path() / QZRBANK_INSTALLED_BANK).lexically_normal();
+        if (fs::is_directory(installed, error)) {
+            return installed.string();
+        }
+    }
     return QZRBANK_SHIPPED_BANK;
 }
 

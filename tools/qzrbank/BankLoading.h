@@ -75,7 +75,8 @@ struct BankFolder {
 // False, with a message, when dir is neither a folder holding "Bank" nor a bank folder.
 bool LocateBankFolder(const std::string& dir, BankFolder* folder, std::string* error);
 
-// The shipped examples/Bank of this source tree.
+// The example banks: those installed beside the tool (share/qzrmachine/examples/Bank), else
+// those of the source tree it was built from.
 std::string ShippedBankFolder();
 
 // Loads a bank folder the way a host does, watched: the injection-moulding banks (the
