@@ -1,4 +1,5 @@
-// qzrbank: lists, shows, describes (info), checks and converts the bank files of QZRMachine.
+// qzrbank: lists, shows, describes (info), checks, converts, edits, compares and imports the
+// bank files of QZRMachine.
 // This file only reads the command line and writes the output; the work is done by the
 // functions of Commands.h.
 #include <algorithm>
@@ -89,7 +90,8 @@ int Finished(int exitCode, const std::string& output) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    CLI::App app{"qzrbank: list, show, info, check and convert QZRMachine bank files", "qzrbank"};
+    CLI::App app{"qzrbank: list, show, check, convert, edit, compare and import QZRMachine banks",
+                 "qzrbank"};
     // Paths are arguments on every platform: CLI11 would otherwise read "/data/Bank" on
     // Windows as an option named "data/Bank". Subcommands copy the setting when they are added;
     // each is also set below, so that moving this line cannot bring the fault back.
