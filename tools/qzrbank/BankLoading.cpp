@@ -192,6 +192,22 @@ bool LoadBank(BankLoad load, const std::string& path, CQZRMoldingMachineCtrl* ca
     return false;
 }
 
+bool LoadWatched(BankLoad load, const std::string& path, CQZRMoldingMachineCtrl* catalogue,
+                 std::vector<Finding>* skipped) {
+    LoadWatcher watcher;
+    bool loaded = false;
+    {
+        const qzr::bank::ScopedLoadObserver watch(&watcher);
+        loaded = LoadBank(load, path, catalogue);
+    }
+    for (const Finding& finding : watcher.Findings()) {
+        if (finding.severity == Severity::kError) {
+            skipped->push_back(finding);
+        }
+    }
+    return loaded;
+}
+
 bool SourcedCatalogue::Load(BankLoad load, const std::string& path, const std::string& label) {
     const bool loaded = LoadBank(load, path, &m_catalogue);
     const int highest = HighestMachineId();

@@ -32,6 +32,11 @@ bool IsRTMLoad(BankLoad load);
 // recognised (a front keeps the header values of its last recognition).
 bool LoadBank(BankLoad load, const std::string& path, CQZRMoldingMachineCtrl* catalogue);
 
+// LoadBank with the load watched: the errors it finds (what the loader skipped or changed)
+// are added to skipped.
+bool LoadWatched(BankLoad load, const std::string& path, CQZRMoldingMachineCtrl* catalogue,
+                 std::vector<Finding>* skipped);
+
 // A catalogue of machines of one kind, and the load each machine came from. The catalogue
 // issues machine ids in ascending order while it only grows, so the ids a load issued tell
 // its machines apart from those of the loads before it.

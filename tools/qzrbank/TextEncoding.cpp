@@ -1,0 +1,227 @@
+#include "TextEncoding.h"
+
+#include "platform/CaseFolding.h"
+#include "platform/CodePage.h"
+
+namespace qzrbank {
+
+namespace {
+
+constexpr unsigned kJapaneseCodePage = 932;
+
+// Code page 1252 at 0x80-0x9F; 0 marks the five bytes it leaves undefined. Every other byte is
+// the Unicode character of the same number, as in Latin-1.
+constexpr char16_t kCp1252High[32] = {
+    0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+    0x2039, 0x0152, 0,      0x017D, 0,      0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178};
+
+// The character of a single-byte code page's byte; 0 for an undefined byte (byte 0 is NUL and
+// never reaches here: bank texts end at it).
+char32_t SingleByteCharacter(bool cp1252, unsigned char byte) {
+    if (cp1252 && byte >= 0x80 && byte < 0xA0) {
+        return kCp1252High[byte - 0x80];
+    }
+    return byte;
+}
+
+// The byte of a character in a single-byte code page; false for a character it lacks.
+bool SingleByteOf(bool cp1252, char32_t codePoint, unsigned char* byte) {
+    if (cp1252) {
+        for (unsigned index = 0; index < 32; ++index) {
+            if (kCp1252High[index] != 0 && kCp1252High[index] == codePoint) {
+                *byte = static_cast<unsigned char>(0x80 + index);
+                return true;
+            }
+        }
+        if (codePoint >= 0x80 && codePoint < 0xA0) {
+            return false;
+        }
+    }
+    if (codePoint > 0xFF) {
+        return false;
+    }
+    *byte = static_cast<unsigned char>(codePoint);
+    return true;
+}
+
+EncodedText DecodeSingleByte(bool cp1252, std::string_view bytes) {
+    EncodedText result;
+    for (size_t offset = 0; offset < bytes.size(); ++offset) {
+        const unsigned char byte = static_cast<unsigned char>(bytes[offset]);
+        const char32_t codePoint = SingleByteCharacter(cp1252, byte);
+        if (codePoint == 0 && byte != 0) {
+            result.badOffset = offset;
+            return result;
+        }
+        AppendUtf8(codePoint, &result.text);
+    }
+    result.ok = true;
+    return result;
+}
+
+EncodedText EncodeSingleByte(bool cp1252, std::string_view utf8) {
+    EncodedText result;
+    size_t offset = 0;
+    while (offset < utf8.size()) {
+        const size_t start = offset;
+        char32_t codePoint = 0;
+        unsigned char byte = 0;
+        if (!ReadCodePoint(utf8, &offset, &codePoint) || !SingleByteOf(cp1252, codePoint, &byte)) {
+            result.badOffset = start;
+            return result;
+        }
+        result.text += static_cast<char>(byte);
+    }
+    result.ok = true;
+    return result;
+}
+
+std::string HexByte(char byte) {
+    const char* const digits = "0123456789ABCDEF";
+    const unsigned value = static_cast<unsigned char>(byte);
+    return {digits[value >> 4], digits[value & 0xFu]};
+}
+
+EncodedText FromPlatform(const qzr::platform::CodePageConversion& conversion) {
+    EncodedText result;
+    result.ok = conversion.ok;
+    result.text = conversion.text;
+    result.badOffset = conversion.badOffset;
+    return result;
+}
+
+}  // namespace
+
+std::optional<TextEncoding> TextEncoding::Parse(std::string_view name) {
+    const std::string folded = qzr::platform::FoldCase(name);
+    if (folded == "cp1252") {
+        return TextEncoding(CodePage::Cp1252);
+    }
+    if (folded == "cp932") {
+        return TextEncoding(CodePage::Cp932);
+    }
+    if (folded == "latin1") {
+        return TextEncoding(CodePage::Latin1);
+    }
+    return std::nullopt;
+}
+
+const char* TextEncoding::Name() const {
+    switch (m_codePage) {
+        case CodePage::Cp932:
+            return "cp932";
+        case CodePage::Latin1:
+            return "latin1";
+        case CodePage::Cp1252:
+            break;
+    }
+    return "cp1252";
+}
+
+EncodedText TextEncoding::Decode(std::string_view bytes) const {
+    if (m_codePage == CodePage::Cp932) {
+        return FromPlatform(qzr::platform::CodePageToUtf8(kJapaneseCodePage, bytes));
+    }
+    return DecodeSingleByte(m_codePage == CodePage::Cp1252, bytes);
+}
+
+EncodedText TextEncoding::Encode(std::string_view utf8) const {
+    if (m_codePage == CodePage::Cp932) {
+        return FromPlatform(qzr::platform::Utf8ToCodePage(kJapaneseCodePage, utf8));
+    }
+    return EncodeSingleByte(m_codePage == CodePage::Cp1252, utf8);
+}
+
+std::string TextEncoding::DecodeOrEscape(std::string_view bytes) const {
+    std::string text;
+    while (!bytes.empty()) {
+        EncodedText decoded = Decode(bytes);
+        text += decoded.text;
+        if (decoded.ok) {
+            break;
+        }
+        text += "\\x" + HexByte(bytes[decoded.badOffset]);
+        bytes.remove_prefix(decoded.badOffset + 1);
+    }
+    return text;
+}
+
+bool TextEncoding::DecodeField(std::string_view bytes, const std::string& machine,
+                               const std::string& field, std::string* utf8,
+                               std::string* error) const {
+    EncodedText decoded = Decode(bytes);
+    if (!decoded.ok) {
+        *error = DecodeOrEscape(machine) + ": " + field + ": byte 0x" +
+                 HexByte(bytes[decoded.badOffset]) + " at offset " +
+                 std::to_string(decoded.badOffset) + " is not " + Name();
+        return false;
+    }
+    *utf8 = std::move(decoded.text);
+    return true;
+}
+
+bool ReadCodePoint(std::string_view utf8, size_t* offset, char32_t* codePoint) {
+    const size_t start = *offset;
+    const unsigned char lead = static_cast<unsigned char>(utf8[start]);
+    if (lead < 0x80) {
+        *codePoint = lead;
+        *offset = start + 1;
+        return true;
+    }
+    // Sequence length, the lead byte's payload bits, and the smallest character of that length.
+    struct Form {
+        size_t length;
+        unsigned char payload;
+        char32_t smallest;
+    };
+    Form form{0, 0, 0};
+    if (lead >= 0xC2 && lead < 0xE0) {
+        form = {2, 0x1F, 0x80};
+    } else if (lead >= 0xE0 && lead < 0xF0) {
+        form = {3, 0x0F, 0x800};
+    } else if (lead >= 0xF0 && lead < 0xF5) {
+        form = {4, 0x07, 0x10000};
+    } else {
+        return false;
+    }
+    const size_t length = form.length;
+    char32_t value = lead & form.payload;
+    if (start + length > utf8.size()) {
+        return false;
+    }
+    for (size_t index = 1; index < length; ++index) {
+        const unsigned char next = static_cast<unsigned char>(utf8[start + index]);
+        if ((next & 0xC0u) != 0x80u) {
+            return false;
+        }
+        value = (value << 6) | (next & 0x3Fu);
+    }
+    if (value < form.smallest || value > 0x10FFFF || (value >= 0xD800 && value < 0xE000)) {
+        return false;
+    }
+    *codePoint = value;
+    *offset = start + length;
+    return true;
+}
+
+void AppendUtf8(char32_t codePoint, std::string* utf8) {
+    if (codePoint < 0x80) {
+        *utf8 += static_cast<char>(codePoint);
+        return;
+    }
+    if (codePoint < 0x800) {
+        *utf8 += static_cast<char>(0xC0 | (codePoint >> 6));
+    } else {
+        if (codePoint < 0x10000) {
+            *utf8 += static_cast<char>(0xE0 | (codePoint >> 12));
+        } else {
+            *utf8 += static_cast<char>(0xF0 | (codePoint >> 18));
+            *utf8 += static_cast<char>(0x80 | ((codePoint >> 12) & 0x3F));
+        }
+        *utf8 += static_cast<char>(0x80 | ((codePoint >> 6) & 0x3F));
+    }
+    *utf8 += static_cast<char>(0x80 | (codePoint & 0x3F));
+}
+
+}  // namespace qzrbank
