@@ -69,4 +69,7 @@ install(FILES ${PROJECT_BINARY_DIR}/qzrmachine.pc DESTINATION ${_qzr_pc_dir})
 if(TARGET qzrbank)
     # The tool carries the library's static core, so it needs no library beside it.
     install(TARGETS qzrbank RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+    # The example banks that "qzrbank list" shows when given no folder.
+    install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/Bank
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/qzrmachine/examples)
 endif()

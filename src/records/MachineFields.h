@@ -205,11 +205,11 @@ constexpr SectionKey NoKey() {
 
 // Keys padded to this width put the "=" of every line of a section in one column.
 template <class Record>
-constexpr size_t kSectionKeyWidth = 0;
+inline constexpr size_t kSectionKeyWidth = 0;
 template <>
-constexpr size_t kSectionKeyWidth<CQZRIM> = 27;
+inline constexpr size_t kSectionKeyWidth<CQZRIM> = 27;
 template <>
-constexpr size_t kSectionKeyWidth<CQZRRTM> = 16;
+inline constexpr size_t kSectionKeyWidth<CQZRRTM> = 16;
 
 // The legacy row grew at its end from version to version. A column belongs to the group that
 // added it; the row layout of a file's version holds the columns of some groups, in column

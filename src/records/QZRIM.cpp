@@ -6,8 +6,6 @@
 
 using qzr::records::Comparison;
 
-// Apart from the dimension texts, the four machine parameters with defaults of their own are
-// the only ones that are not 0 or empty.
 struct CQZRIM::Fields {
     QZR_IMM_FIELDS(QZR_ROW_MEMBER)
     NozzleSpecification nozzleSpecification;

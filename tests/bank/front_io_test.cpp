@@ -8,19 +8,15 @@
 #include <string>
 #include <tuple>
 
+#include "BankBuilders.h"
 #include "TempFolder.h"
 
 namespace {
 
+using qzr::test::Contents;
 using qzr::test::TempFolder;
 
 using Member = std::function<bool(CQZRMoldingMachineIO&, const char*, CQZRMoldingMachineCtrl*)>;
-
-std::string Attributes(const CQZRMoldingMachineCtrl& catalogue) {
-    return std::to_string(catalogue.GetFileVersion()) + "/" +
-           std::to_string(catalogue.GetFileFormat()) + "/" +
-           std::to_string(catalogue.GetFileType()) + (catalogue.IsDatabaseInitialize() ? "+" : "");
-}
 
 TEST(Front, MissingArgumentsAreRefusedBeforeAnything) {
     const Member members[] = {
@@ -42,7 +38,7 @@ TEST(Front, MissingArgumentsAreRefusedBeforeAnything) {
         SCOPED_TRACE("member " + std::to_string(i));
         EXPECT_FALSE(members[i](front, nullptr, &catalogue));
         EXPECT_FALSE(members[i](front, folder.File("x.bnk").c_str(), nullptr));
-        EXPECT_EQ(Attributes(catalogue), "1/0/0");
+        EXPECT_EQ(Contents(catalogue), "1/0/0");
     }
     char path[8] = "x";
     EXPECT_FALSE(front.GetLoadDatabasePath(path, sizeof path)) << "no reader was made";
@@ -75,7 +71,7 @@ TEST(Front, FailedUserLoadPreparesANewUserBank) {
         catalogue.SetFileFormat(2);
         catalogue.SetFileType(3);
         EXPECT_FALSE(load(front, folder.File("missing.bnk").c_str(), &catalogue));
-        EXPECT_EQ(Attributes(catalogue), fallback) << "the initialized flag is left alone";
+        EXPECT_EQ(Contents(catalogue), fallback) << "the initialized flag is left alone";
         EXPECT_TRUE(!save || save(front, (folder.Folder() + "/").c_str(), &catalogue));
     }
 }

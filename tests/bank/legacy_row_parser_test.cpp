@@ -7,13 +7,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstring>
+#include <iterator>
 #include <random>
 #include <string>
 #include <vector>
 
 #include <QZRMachine/QZRIM.h>
 
+#include "DataRows.h"
 #include "bank/QZRMoldingMachineReader.h"
 #include "bank/legacy/LegacyRowLayout.h"
 #include "bank/legacy/LegacyRowParser.h"
@@ -153,44 +154,19 @@ bool Parse(const std::string& row, LegacyRowLayout layout, CQZRIM& machine) {
     return qzr::legacy::ParseOldRow(row.c_str(), layout, machine);
 }
 
+// The rows of tests/data/legacy/rows.txt.
 TEST(LegacyRowParser, RowsOfEveryLayout) {
-    struct Row {
-        const char* label;
-        LegacyRowLayout layout;
-        std::string row;
-        const char* fields;  // LegacyFields of the record, compared as far as this text goes
-    };
-    const Row rows[] = {
-        {"an empty field is no token: the fields after it move", L::kBase,
-         "1,Alpha,A-100,note,100,,180,95,32,140", "[Alpha|A-100|] -1 100 180 95 32 140 112.6 -7"},
-        {"remark with commas, blanks and an empty field", L::kBase,
-         "1,Alpha,A-100,a, b,,c,100,50,180,95,32,140\n",
-         "[Alpha|A-100|a, b,,c] 100 50 180 95 32 140"},
-        {"maker equals grade: the remark starts after the grade field", L::kBase,
-         "1,X9,X9,after grade,10,20,30,40,25,100\n",
-         "[X9|X9|after grade] 10 20 30 40 25 100 49.09"},
-        {"the grade text is first found inside the ID", L::kBase,
-         "12,Al,2,rem,10,20,30,40,25,100\n", "[Al|2|Al,2,rem]"},
-        {"blanks, CR and junk after numbers", L::kBase,
-         "1, Beta , B 2 ,  spaced  , 10.5t,  20g,30MPa,40 ,120.0,600\r\n",
-         "[ Beta | B 2 |  spaced  ] 10.5 20 30 40 120 600 6786"},
-        {"delimiters before the ID; the DLL's constant, not pi/4", L::kBase,
-         ",,\n7,Eps,E1,x,1,2,3,4,10,880", "[Eps|E1|x] 1 2 3 4 10 880 69.11 -7"},
-        {"7005, nozzle included", L::kUser7005,
-         "1,Delta,D-9,left, right,1,2,3,4,5,6,7,8,9,10,2,0.75,3,11,12,13,14,15,16\n",
-         "[Delta|D-9|left, right] 1 2 3 4 5 6 0.1178 7 8 9 10 2 0.75 3 11 12 13 14 15 16"},
-        {"7005: a field that does not convert keeps the record's value, a nozzle member is 0",
-         L::kUser7005, "1,Zeta,Z-1,,a,b,c,d,e,f,g,h,i,j,k,l,5,x,2.5,y,z,w,-1e2\n",
-         "[Zeta|Z-1|] -1 -2 -3 -4 -5 -6 -0.1178 -7 -8 -9 -10 -11 -12 5 0 2.5 0 0 0 -100"},
-        {"system 7007", L::kSystem7007, "5,Beta,B-7,,220,80,170,60,28,120,1,0.85\n",
-         "[Beta|B-7|] 220 80 170 60 28 120 73.89 -7 -8 -9 -10 1 0.85 -13"},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.label);
+    const std::vector<qzr::test::DataRow> rows = qzr::test::ReadDataRows("legacy/rows.txt");
+    ASSERT_FALSE(rows.empty());
+    const std::string layouts[] = {"base", "7003", "7004", "7005", "system7007"};
+    for (const qzr::test::DataRow& row : rows) {  // layout, fields, row
+        SCOPED_TRACE(row.where);
+        const auto layout = std::find(std::begin(layouts), std::end(layouts), row.fields[0]);
+        ASSERT_NE(layout, std::end(layouts));
         CQZRIM machine = FilledMachine();
-        ASSERT_TRUE(Parse(row.row, row.layout, machine));
+        ASSERT_TRUE(Parse(row.fields[2], kAllLayouts[layout - layouts], machine));
         const std::string fields = LegacyFields(machine);
-        EXPECT_EQ(fields.substr(0, std::strlen(row.fields)), row.fields) << fields;
+        EXPECT_EQ(fields.substr(0, row.fields[1].size()), row.fields[1]) << fields;
     }
 }
 

@@ -10,6 +10,7 @@
 #include <map>
 #include <string>
 
+#include "BankBuilders.h"
 #include "DefaultBanks.h"
 #include "FixedClock.h"
 #include "TempFolder.h"
@@ -20,17 +21,6 @@ using qzr::test::TempFolder;
 using Ctrl = CQZRMoldingMachineCtrl;
 
 const std::string kExamples = std::string(QZR_EXAMPLES_DIR) + "/Bank/";
-
-// "Maker count, ..." in maker order, then the number of machines.
-std::string Summary(const Ctrl& catalogue) {
-    std::string summary;
-    for (int position = 0; position < catalogue.GetTotalMaker(); ++position) {
-        const int id = catalogue.GetMakerID(position);
-        summary += std::string(catalogue.GetMaker(id)) + " " +
-                   std::to_string(catalogue.GetMachineCount(id)) + ", ";
-    }
-    return summary + std::to_string(catalogue.GetTotalMachine()) + " machines";
-}
 
 std::ptrdiff_t EntryCount(const std::string& folder) {
     return std::distance(std::filesystem::directory_iterator(folder),
@@ -76,7 +66,7 @@ TEST(LetterCase, ABankFolderInOtherCaseLoadsAndSaves) {
         ASSERT_TRUE(bank.load(io, kExamples + bank.name, &expected));
         Ctrl loaded;
         EXPECT_TRUE(bank.load(io, folder.Folder() + defaultTail, &loaded));
-        EXPECT_EQ(Summary(loaded), Summary(expected));
+        EXPECT_EQ(qzr::test::Contents(loaded), qzr::test::Contents(expected));
         if (bank.save == nullptr) {
             continue;
         }

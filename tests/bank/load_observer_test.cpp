@@ -1,6 +1,7 @@
 // The load observer hears what each loader did, line by line, and a watched load gives the same
 // catalogue as one nobody watches.
-#include <functional>
+#include <algorithm>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -9,6 +10,8 @@
 #include <QZRMachine/QZRMachine.h>
 
 #include "BankBuilders.h"
+#include "DataRows.h"
+#include "DefaultBanks.h"
 #include "TempFolder.h"
 #include "bank/LoadObserver.h"
 
@@ -18,7 +21,7 @@ using qzr::bank::LegacyLine;
 using qzr::test::Lines;
 using qzr::test::TempFolder;
 
-// Every event as one short line, paths left out.
+// Every event as one short line, paths left out; values that do not convert apart.
 class Recorder : public qzr::bank::LoadObserver {
   public:
     void OnHeader(const qzr::bank::HeaderSeen& e) override {
@@ -46,71 +49,42 @@ class Recorder : public qzr::bank::LoadObserver {
         Add("read " + std::to_string(e.read) +
             (e.hasDeclared ? " of " + std::to_string(e.declared) : std::string()));
     }
+    void OnFieldNotConverted(const qzr::bank::FieldNotConverted& e) override {
+        values += std::to_string(e.line) + ": [" + std::to_string(e.number) + "] " +
+                  std::string(e.field) + " '" + std::string(e.value) + "'\n";
+    }
     std::string events;
+    std::string values;  // that do not convert
 
   private:
     void Add(const std::string& line) { events += line + "\n"; }
 };
 
-using Load = std::function<bool(CQZRMoldingMachineIO&, const char*, CQZRMoldingMachineCtrl*)>;
-
-struct Row {
-    const char* name;
-    const char* file;
-    std::string text;
-    Load load;
-    const char* events;
-};
-
-const std::string kLongRemark(600, 'r');
-
-const Row kRows[] = {
-    {"legacy system bank: marker, version, rows, a short row, the declared count", "s.bnk",
-     Lines({"[Header],,,,,,,,,", "Version,7007,,", "TotalNo,3,,", "[Database],,",
-            "1,Ardmoor,AM-1,,40,61.6,210,86.2,28,110,0,11.8", "2,Ardmoor,AM-2,,1,2",
-            "3,Ardmoor,AM-3,,75,134.3,205,142.5,36,145,0,11.8", "[EOF]"}),
-     [](auto& io, auto path, auto c) { return io.LoadOldIMMSystemDatabase(path, c); },
-     "header kind 0 v7007 accepted\n2: version v7007\n4: marker v7007\n5: row v7007\n"
-     "6: too few fields v7007\n7: row v7007\n8: end v7007\nread 2 of 3\n"},
-    {"legacy user bank: rows with another ID are passed over, TotalNo ends the load", "u.bnk",
-     Lines({"[Header]", "Version,7007", "[Database]",
-            "1,Ardmoor,AM-1,,1,2,3,4,5,6,0.1,0.2,3,2500,0,1,1,1,2,3,4,5,6",
-            "2,Ardmoor,AM-2,,1,2,3,4,5,6,0.1,0.2,3,2500,0,1,1,1,2,3,4,5,6", "TotalNo,2"}),
-     [](auto& io, auto path, auto c) { return io.LoadOldIMMUserDatabase(path, c); },
-     "header kind 1 v7007 accepted\n2: version v7007\n3: marker v7007\n4: row v7007\n"
-     "5: id not 1 v7007\n6: TotalNo v7007\nread 1\n"},
-    {"sectioned user bank: a key from the next section, a long line, the stop", "User-RTMIC.bnk",
-     Lines({"[FileHeader]", "Version = 9000", "Format = 1", "Type = 1", "[General]",
-            "TotalMachine = 3", "[Machine-1]", "Maker = Ardmoor", "Grade = T-1",
-            "Remark = " + kLongRemark, "[Machine-2]", "Maker = Ardmoor", "Grade = T-2",
-            "ClampingForce = 90", "[EOF]"}),
-     [](auto& io, auto path, auto c) { return io.LoadRTMUserDatabase(path, c); },
-     "header kind 5 v9000 accepted\n10: cut at 511\nsection 1 at 7 loaded\n"
-     "section 1 takes ClampingForce from 14\nsection 2 at 11 loaded\nsection 3 at 0 stops\n"
-     "read 2 of 3\n"},
-    {"a bank of the other kind is refused at its header", "User-IMM.bnk",
-     Lines({"[FileHeader]", "Version = 9000", "Format = 1", "Type = 1"}),
-     [](auto& io, auto path, auto c) { return io.LoadIMMUserDatabase(path, c); },
-     "header kind 5 v9000 refused\n"},
-};
-
+// The rows of tests/data/observer.txt; a watched load gives the same catalogue as one nobody
+// watches.
 TEST(LoadObserver, EachLoaderTellsWhatItDidLineByLine) {
-    for (const Row& row : kRows) {
-        SCOPED_TRACE(row.name);
+    const std::vector<qzr::test::DataRow> rows = qzr::test::ReadDataRows("observer.txt");
+    ASSERT_FALSE(rows.empty());
+    for (const qzr::test::DataRow& row : rows) {  // shown, bank, events, text
+        SCOPED_TRACE(row.where);
+        const auto bank =
+            std::find_if(std::begin(qzr::test::kDefaultBanks), std::end(qzr::test::kDefaultBanks),
+                         [&](const qzr::test::DefaultBank& b) { return row.fields[1] == b.name; });
+        ASSERT_NE(bank, std::end(qzr::test::kDefaultBanks));
         TempFolder folder;
-        const std::string path = folder.Write(row.file, row.text);
-        CQZRMoldingMachineIO watchedIo;
+        const std::string path = folder.Write(row.fields[1], row.fields[3]);
+        CQZRMoldingMachineIO io;
         CQZRMoldingMachineCtrl watched;
         Recorder recorder;
         {
             qzr::bank::ScopedLoadObserver observe(&recorder);
-            row.load(watchedIo, path.c_str(), &watched);
+            bank->load(io, path, &watched);
         }
-        EXPECT_EQ(recorder.events, row.events);
+        EXPECT_EQ(row.fields[0] == "steps" ? recorder.events : recorder.values, row.fields[2]);
 
         CQZRMoldingMachineIO plainIo;
         CQZRMoldingMachineCtrl plain;
-        row.load(plainIo, path.c_str(), &plain);
+        bank->load(plainIo, path, &plain);
         ASSERT_EQ(plain.GetTotalMachine(), watched.GetTotalMachine());
         for (int i = 0; i < plain.GetTotalMachine(); ++i) {
             CQZRRTM a, b;
@@ -119,58 +93,6 @@ TEST(LoadObserver, EachLoaderTellsWhatItDidLineByLine) {
             EXPECT_EQ(plain.GetCurrentMachine(i, c), watched.GetCurrentMachine(i, d));
             EXPECT_TRUE(a.IsMachineIdentity(b) && c.IsMachineIdentity(d)) << "machine " << i;
         }
-    }
-}
-
-// Values that do not convert, in reading order: a section's keys as a section is read (a
-// transfer press reads ClampingForce right after PlungerSpeed), a row's columns left to right.
-TEST(LoadObserver, EveryValueThatDoesNotConvertIsToldWithItsLineAndField) {
-    struct NotConverted : qzr::bank::LoadObserver {
-        void OnFieldNotConverted(const qzr::bank::FieldNotConverted& e) override {
-            events += std::to_string(e.line) + ": [" + std::to_string(e.number) + "] " +
-                      std::string(e.field) + " '" + std::string(e.value) + "'\n";
-        }
-        std::string events;
-    };
-    const Row rows[] = {
-        {"sectioned: an empty integer, a key taken from the next section; \"7x\" reads 7",
-         "User-IMM.bnk",
-         Lines({"[FileHeader]", "Version = 9000", "Format = 1", "Type = 0", "[Machine-1]",
-                "Maker = Ardmoor", "Grade = I-1", "ScrewDiameter = abc",
-                "TemperatureControlZones = ", "ShotWeight = 12.5", "[Machine-2]", "Maker = Ardmoor",
-                "Grade = I-2", "EjectorPoint = 7x", "ClampingForce = -"}),
-         [](auto& io, auto path, auto c) { return io.LoadIMMUserDatabase(path, c); },
-         "8: [1] ScrewDiameter 'abc'\n9: [1] TemperatureControlZones ''\n"
-         "15: [1] ClampingForce '-'\n15: [2] ClampingForce '-'\n"},
-        {"sectioned transfer press", "User-RTMIC.bnk",
-         Lines({"[FileHeader]", "Version = 9000", "Format = 1", "Type = 1", "[Machine-1]",
-                "Maker = Ardmoor", "Grade = T-1", "TransferPressure = n/a", "ClampingForce = ?",
-                "PlungerSpeed = fast"}),
-         [](auto& io, auto path, auto c) { return io.LoadRTMUserDatabase(path, c); },
-         "10: [1] PlungerSpeed 'fast'\n9: [1] ClampingForce '?'\n"
-         "8: [1] TransferPressure 'n/a'\n"},
-        {"legacy user bank: record and nozzle columns", "u.bnk",
-         Lines({"[Header]", "Version,7007", "[Database]",
-                "1,Ardmoor,AM-1,,x,2,3,4,5,6,0.1,0.2,3,2500,e,1,1,1,2,3,4,5,q"}),
-         [](auto& io, auto path, auto c) { return io.LoadOldIMMUserDatabase(path, c); },
-         "4: [0] ClampForce 'x'\n4: [0] MachineType 'e'\n"
-         "4: [0] NozzleSpecification.Value6 'q'\n"},
-        {"legacy system bank: a blank field", "s.bnk",
-         Lines({"[Header],,,,,,,,,", "Version,7007,,", "TotalNo,1,,", "[Database],,",
-                "1,Ardmoor,AM-1,,40, ,210,86.2,28,110,0,--1"}),
-         [](auto& io, auto path, auto c) { return io.LoadOldIMMSystemDatabase(path, c); },
-         "5: [0] ShotWeight ' '\n5: [0] HydralicPressureTransferFactor '--1'\n"},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.name);
-        TempFolder folder;
-        const std::string path = folder.Write(row.file, row.text);
-        NotConverted recorder;
-        qzr::bank::ScopedLoadObserver observe(&recorder);
-        CQZRMoldingMachineIO io;
-        CQZRMoldingMachineCtrl catalogue;
-        row.load(io, path.c_str(), &catalogue);
-        EXPECT_EQ(recorder.events, row.events);
     }
 }
 

@@ -22,13 +22,13 @@
 #include "DefaultBanks.h"
 #include "FixedClock.h"
 #include "TempFolder.h"
-#include "records/RecordAttributes.h"
+#include "records/RecordFields.h"
 
 namespace {
 
-using qzr::records::testing::Attribute;
-using qzr::records::testing::Kind;
-using qzr::records::testing::Table;
+using qzr::records::FieldType;
+using qzr::records::testing::Field;
+using qzr::records::testing::Fields;
 using qzr::records::testing::Value;
 using qzr::test::FixedClock;
 using qzr::test::ReadBytes;
@@ -53,32 +53,23 @@ const std::vector<double> kReals = {
     0.005,   1e15 + 0.3, 8.5e-5, -1234.5678};
 const std::vector<int> kIntegers = {0, -1, 7, INT_MAX, INT_MIN, 65536};
 
-// Every attribute of each machine a value of its own kind from the hard lists, shifted by one
+// Every field of each machine a value of its own type from the hard lists, shifted by one
 // from machine to machine so that each value passes through every field.
 template <class R>
 R HardMachine(int machine) {
     R record;
-    const std::vector<Attribute<R>> table = Table<R>();
-    for (size_t row = 0; row < table.size(); ++row) {
-        const std::string name = table[row].name;
+    const std::vector<Field<R>> fields = Fields<R>();
+    for (size_t row = 0; row < fields.size(); ++row) {
+        const std::string name = fields[row].name;
         if (name == "MakerID" || name == "MachineID" || name == "GradeID") {
             continue;  // the catalogue issues these
         }
         const size_t shift = row + static_cast<size_t>(machine);
-        switch (table[row].kind) {
-            case Kind::Int:
-                table[row].set(record,
-                               Value(static_cast<double>(kIntegers[shift % kIntegers.size()])));
-                break;
-            case Kind::Real:
-                table[row].set(record, Value(kReals[shift % kReals.size()]));
-                break;
-            case Kind::Text: {
-                const std::string text = name + " " + std::to_string(machine);
-                table[row].set(record, Value(text.c_str()));
-                break;
-            }
-        }
+        const std::string text = name + " " + std::to_string(machine);
+        fields[row].set(record, fields[row].type == FieldType::kText ? Value(text.c_str())
+                                : fields[row].type == FieldType::kInteger
+                                    ? Value(kIntegers[shift % kIntegers.size()])
+                                    : Value(kReals[shift % kReals.size()]));
     }
     record.SetMaker(machine % 3 == 0 ? "Pellwick" : "Ostrander Presswerk");
     record.SetGrade(("PX-" + std::to_string(machine)).c_str());

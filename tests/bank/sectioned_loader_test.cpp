@@ -1,10 +1,10 @@
 // Loading sectioned banks: one section into a record, the system banks of a folder and the
-// user banks.
+// user banks, from the banks in tests/data/sectioned.
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 
-#include "BankBuilders.h"
 #include "FixedClock.h"
 #include "TempFolder.h"
 #include "bank/QZRMoldingMachineReader.h"
@@ -17,17 +17,9 @@ using qzr::bank::CQZRMoldingMachineWriter;
 namespace {
 
 using qzr::test::FixedClock;
-using qzr::test::Lines;
 using qzr::test::TempFolder;
 
-std::string Bank(int version, int format, int type, const std::string& sections) {
-    return qzr::test::SectionedHead(version, format, type) +
-           Lines({"", "[General]", "TotalMachine = 99", ""}) + sections + "[EOF]\r\n";
-}
-
-std::string Section(int number, std::initializer_list<std::string_view> entries) {
-    return "[Machine-" + std::to_string(number) + "]\r\n\r\n" + Lines(entries) + "\r\n";
-}
+const std::string kData = std::string(QZR_TEST_DATA_DIR) + "/sectioned/";
 
 template <class Record = CQZRIM>
 std::string Grades(const CQZRMoldingMachineCtrl& catalogue) {
@@ -44,13 +36,7 @@ std::string Grades(const CQZRMoldingMachineCtrl& catalogue) {
 // number that does not convert takes the previous number of its kind in the section, or 0.
 // Transfer-moulding sections read "ClampingForce" right after "PlungerSpeed".
 TEST(SectionedParse, OneSectionIntoARecord) {
-    TempFolder folder;
-    const std::string path = folder.Write(
-        "p.bnk",
-        Section(1, {"Grade = H-1", "Controller = abc", "ScrewDiameter = ?", "ScrewStroke = 140.5",
-                    "ShotVolume =", "TemperatureControlZones = 6", "EjectorPoint = none",
-                    "PlungerSpeed\t = 2.5", "TransferPressure = x", "ClampingForce = 1000"}) +
-            Section(2, {"Maker        \t = Later", "Remark = two"}) + Section(3, {"Maker = M"}));
+    const std::string path = kData + "one_section.bnk";
     CQZRIM imm;
     imm.SetControllerID(99);
     imm.SetMachineDimension("kept");
@@ -76,15 +62,7 @@ TEST(SectionedParse, OneSectionIntoARecord) {
 // one record serves every section of a file.
 TEST(SectionedLoad, SystemBankFolder) {
     TempFolder folder;
-    folder.Write("IMM/a.bnk", Bank(9000, 0, 0,
-                                   Section(1, {"Maker = H", "Grade = a-1", "Remark = of a-1"}) +
-                                       Section(2, {"Maker = H", "Grade = a-2"}) +
-                                       Section(4, {"Maker = H", "Grade = after-gap"})));
-    folder.Write("IMM/b.bnk", Bank(9000, 0, 1, Section(1, {"Maker = O", "Grade = b-1"})));
-    folder.Write("IMM/B2.bnk", Bank(9100, 0, 0, Section(1, {"Maker = K", "Grade = B2-1"})));
-    folder.Write("IMM/c.bnk", Lines({"[Header],,,,,,,,,", "Version,7006,,,", "TotalNo,1,,,"}));
-    folder.Write("IMM/d.bnk", Bank(9000, 1, 0, Section(1, {"Maker = U", "Grade = d-1"})));
-    folder.Write("IMM/e.txt", Bank(9000, 0, 0, Section(1, {"Maker = V", "Grade = e-1"})));
+    std::filesystem::copy(kData + "IMM", folder.File("IMM"));
     folder.MakeFolder("IMM/g.bnk");
     const std::string pattern = folder.Folder() + "/IMM\\*.bnk";
     CQZRMoldingMachineReader reader;
@@ -115,14 +93,7 @@ TEST(SectionedLoad, SystemBankFolder) {
 TEST(SectionedLoad, UserBankMatchesTheSectionParser) {
     FixedClock clock;
     TempFolder folder;
-    const std::string path = folder.Write(
-        "u.bnk",
-        Bank(9000, 1, 0,
-             Section(3, {"Maker = Late", "Grade = x-3", "ScrewSpeed = 3"}) +
-                 Section(1, {"Grade = x-1", "ScrewDiameter = 31", "Remark = one"}) +
-                 Section(2, {"Maker = Two", "Grade = x-2", "ShotVolume = ?", "ShotWeight = x"}) +
-                 Section(1, {"Maker = Dup", "Remark = duplicate"}) +
-                 Section(5, {"Maker = Five", "Grade = x-5"})));
+    const std::string path = kData + "user.bnk";
     CQZRMoldingMachineCtrl loaded;
     ASSERT_TRUE(CQZRMoldingMachineReader().ReadIMMUserDatabase(path.c_str(), &loaded));
     CQZRMoldingMachineCtrl parsed;

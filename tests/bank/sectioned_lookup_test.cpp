@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "BankBuilders.h"
+#include "DataRows.h"
 #include "TempFolder.h"
 #include "bank/sectioned/QZRFileIO.h"
 #include "bank/sectioned/SectionedBankIndex.h"
@@ -18,7 +18,6 @@ namespace {
 
 using namespace std::string_literals;
 using qzr::bank::SectionedBankIndex;
-using qzr::test::Lines;
 using qzr::test::TempFolder;
 
 std::string Answer(int result, const char* value) {
@@ -54,51 +53,19 @@ std::string Lookup(const CQZRFileIO& file, const char* section, const char* key)
                                         : std::to_string(result) + ":" + value;
 }
 
-// Each row looks up a key of "[Machine-1]" with CQZRFileIO; the index must answer every
-// lookup of the row's file as CQZRFileIO does.
+// Each row of tests/data/lookups.txt looks up a key of "[Machine-1]" with CQZRFileIO; the index
+// must answer every lookup of the row's file as CQZRFileIO does.
 TEST(SectionedLookup, CraftedLines) {
-    const std::string m1 = "[Machine-1]\r\n";
-    const std::string r511 = std::string(511, 'r');
-    const struct {
-        const char* label;
-        std::string content;
-        const char* key;
-        std::string expected;  // "1:value", or the result code and the untouched value
-    } rows[] = {
-        {"LF line ends", "[Machine-1]\nMaker = Harlow\n", "Maker", "1:Harlow"},
-        {"[Machine-1] is not [Machine-10]", "[Machine-10]\r\nMaker = Ten\r\n", "Maker",
-         "-1:untouched"},
-        {"names are case-sensitive", "[machine-1]\r\nMaker = x\r\n", "Maker", "-1:untouched"},
-        {"Maker is not MakerID", m1 + "MakerID = 3\r\nMaker = Real\r\n", "Maker", "1:Real"},
-        {"tab before =", m1 + "PlungerSpeed\t = 1.5\r\n", "PlungerSpeed", "1:1.5"},
-        {"key glued to =, later = in the value", m1 + "Remark=a=b\r\n", "Remark", "1:a=b"},
-        {"only spaces are skipped before a value", m1 + "Remark = \tin  \r\n", "Remark",
-         "1:\tin  "},
-        {"nothing after =", m1 + "Remark =\r\n", "Remark", "1:"},
-        {"key line without =", m1 + "Remark\r\n", "Remark", "1:"},
-        {"an indented entry is no entry", m1 + "  Maker = In\r\nMaker = Out\r\n", "Maker", "1:Out"},
-        {"header with text after a blank", "[Machine-1] old\r\nMaker = H\r\n", "Maker", "1:H"},
-        {"[Machine-01] and [Machine-+1] are other names",
-         "[Machine-01]\r\nMaker = Z\r\n[Machine-+1]\r\nMaker = P\r\n", "Maker", "-1:untouched"},
-        {"header glued to text", "[Machine-1]x\r\nMaker = H\r\n", "Maker", "-1:untouched"},
-        {"the search runs past the next section", m1 + "[Machine-2]\r\nRemark = 2\r\n", "Remark",
-         "1:2"},
-        {"the first of a repeated section", m1 + "Maker = 1st\r\n" + m1 + "Maker = 2nd\r\n",
-         "Maker", "1:1st"},
-        {"key before its section", "Maker = Early\r\n" + m1, "Maker", "-1:untouched"},
-        {"lines cut at 511", m1 + "Remark = " + r511 + "\r\n", "Remark", "1:" + r511.substr(9)},
-        {"the rest of a long line is a line", m1 + r511 + "Grade = G\r\n", "Grade", "1:G"},
-        {"lone CR belongs to the value", m1 + "Maker = H\r\r\n", "Maker", "1:H\r"},
-        {"NUL ends the line", m1 + "Maker = Ha\0rlow\r\n"s, "Maker", "1:Ha"},
-        {"no key given", m1 + "Maker = A\r\n", nullptr, "-1:untouched"},
-    };
+    const std::vector<qzr::test::DataRow> rows = qzr::test::ReadDataRows("lookups.txt");
+    ASSERT_FALSE(rows.empty());
     TempFolder folder;
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.label);
+    for (const qzr::test::DataRow& row : rows) {  // key, answer, bank
+        SCOPED_TRACE(row.where);
         CQZRFileIO file;
-        const std::string path = folder.Write("lookup.bnk", row.content);
+        const std::string path = folder.Write("lookup.bnk", row.fields[2]);
         ASSERT_TRUE(file.OpenFile(path.c_str()));
-        EXPECT_EQ(Lookup(file, "[Machine-1]", row.key), row.expected);
+        const std::string& key = row.fields[0];
+        EXPECT_EQ(Lookup(file, "[Machine-1]", key == "-" ? nullptr : key.c_str()), row.fields[1]);
         EXPECT_EQ(Lookup(file, nullptr, "Maker"), "-1:untouched");
         ExpectSameAsReference(path, {"Maker", "Grade", "Remark", "PlungerSpeed"}, 3);
     }

@@ -6,6 +6,7 @@
 
 #include <string>
 
+#include "BankBuilders.h"
 #include "DefaultBanks.h"
 #include "TempFolder.h"
 
@@ -15,19 +16,6 @@ using Ctrl = CQZRMoldingMachineCtrl;
 using qzr::test::ReadBytes;
 
 const std::string kBank = std::string(QZR_EXAMPLES_DIR) + "/Bank/";
-
-// "Maker count, ..." in the catalogue's maker order, then version, format and type.
-std::string Summary(const Ctrl& catalogue) {
-    std::string summary;
-    for (int position = 0; position < catalogue.GetTotalMaker(); ++position) {
-        const int id = catalogue.GetMakerID(position);
-        summary += std::string(catalogue.GetMaker(id)) + " " +
-                   std::to_string(catalogue.GetMachineCount(id)) + ", ";
-    }
-    return summary + std::to_string(catalogue.GetFileVersion()) + "/" +
-           std::to_string(catalogue.GetFileFormat()) + "/" +
-           std::to_string(catalogue.GetFileType());
-}
 
 // Every bank loads whole. A user bank saved into a fresh folder comes back byte for byte, but for
 // the sectioned banks' "CreateDate" line, the time of the save. "CreateBy" and "Remark" are not
@@ -43,22 +31,22 @@ TEST(ExampleBanks, EveryBankLoadsAndUserBanksComeBackByteForByte) {
         const char* remark;  // of a sectioned user bank
     } rows[] = {
         // Folder files load in name order; the first, Hollenvik-Ostrevo.bnk, is of version 9001.
-        {kIMMSystemBanks, "Hollenvik 6, Ostrevo 5, Quillner 8, Tessamund 6, Zundrik 6, 9001/0/0",
+        {kIMMSystemBanks, "Hollenvik 6, Ostrevo 5, Quillner 8, Tessamund 6, Zundrik 6, 9001/0/0+",
          nullptr},
-        {kIMMUserBank, "Kemberline 3, Dravinsk 2, Quillner 1, 9000/1/0",
+        {kIMMUserBank, "Kemberline 3, Dravinsk 2, Quillner 1, 9000/1/0+",
          "Machines of the moulding shop"},
-        {kRTMSystemBanks, "Ivoskar 4, Meribold 4, Trandell 5, 9000/0/1", nullptr},
-        {kRTMUserBank, "Meribold 2, Trandell 1, 9000/1/1",
+        {kRTMSystemBanks, "Ivoskar 4, Meribold 4, Trandell 5, 9000/0/1+", nullptr},
+        {kRTMUserBank, "Meribold 2, Trandell 1, 9000/1/1+",
          "Transfer presses of the encapsulation line"},
-        {kLegacySystemBank, "Yorvane 5, Calvestra 5, Tessamund 2, 7007/0/0", nullptr},
-        {kLegacyUserBank, "Dravinsk 2, Calvestra 2, Kemberline 2, 7007/1/0", nullptr},
+        {kLegacySystemBank, "Yorvane 5, Calvestra 5, Tessamund 2, 7007/0/0+", nullptr},
+        {kLegacyUserBank, "Dravinsk 2, Calvestra 2, Kemberline 2, 7007/1/0+", nullptr},
     };
     for (const auto& row : rows) {
         const std::string path = row.bank.name;
         CQZRMoldingMachineIO io;
         Ctrl catalogue;
         ASSERT_TRUE(row.bank.load(io, kBank + path, &catalogue)) << path;
-        EXPECT_EQ(Summary(catalogue), row.summary) << path;
+        EXPECT_EQ(Contents(catalogue), row.summary) << path;
         if (row.bank.save == nullptr) {
             continue;
         }

@@ -9,8 +9,9 @@
 #include <string_view>
 #include <vector>
 
+#include "DataRows.h"
+#include "TempFolder.h"
 #include "platform/Env.h"
-#include "platform/TempFolder.h"
 #include "platform/Wildcard.h"
 
 namespace qzr::platform {
@@ -68,29 +69,14 @@ TEST(Wildcard, NtfsOrder) {
 }
 
 // Which entry of a folder stands in for a name asked for in other letter case, as Windows finds
-// names.
+// names: the rows of tests/data/letter_case.txt.
 TEST(LetterCase, WhichEntryStandsInForAName) {
-    const struct {
-        const char* label;
-        const char* name;
-        std::vector<std::string> entries;  // in the order a folder gives them
-        const char* expected;              // null: none
-    } rows[] = {
-        // clang-format off
-        {"the exact name wins", "User-IMM.bnk", {"USER-IMM.BNK", "user-imm.bnk", "User-IMM.bnk"},
-         "User-IMM.bnk"},
-        {"else the first listed: capitals sort first", "User-IMM.bnk",
-         {"user-imm.bnk", "User-Imm.bnk", "USER-imm.bnk"}, "USER-imm.bnk"},
-        {"only the letter case may differ", "User-IMM.bnk", {"User-IMM.bnk.bak", "User-IMM.bn"}, nullptr},
-        {"only ASCII letters fold", "\xC4rger.bnk", {"\xE4rger.bnk"}, nullptr},
-        {"punctuation 0x20 apart does not fold", "Bank@1", {"bank`1"}, nullptr},
-        // clang-format on
-    };
-    for (const auto& row : rows) {
-        const std::string* found = FindEntryIgnoringCase(row.name, row.entries);
-        EXPECT_EQ(found != nullptr ? *found : "(none)",
-                  row.expected != nullptr ? row.expected : "(none)")
-            << row.label;
+    const std::vector<test::DataRow> rows = test::ReadDataRows("letter_case.txt");
+    ASSERT_FALSE(rows.empty());
+    for (const test::DataRow& row : rows) {  // name, entry found or -, the folder's entries
+        const std::vector<std::string> entries(row.fields.begin() + 2, row.fields.end());
+        const std::string* found = FindEntryIgnoringCase(row.fields[0], entries);
+        EXPECT_EQ(found != nullptr ? *found : "-", row.fields[1]) << row.where;
     }
 }
 
@@ -104,12 +90,11 @@ bool WriteFile(const std::string& path, WriteMode mode, const std::string& bytes
 TEST(Env, ListMatchesInNtfsOrder) {
     TempFolder folder;
     for (const char* name : {"b.bnk", "A.BNK", "_x.bnk", "Z.bnk", "c.txt", "d.bnk.bak"}) {
-        folder.WriteBytes(name, "");
+        folder.Write(name, "");
     }
     folder.MakeFolder("sub.bnk");  // folders that match are listed too
-    folder.MakeFolder("bank/machine/imm");
-    folder.WriteBytes("bank/machine/imm/quillner.bnk", "");
-    const std::string dir = folder.path() + "/";
+    folder.Write("bank/machine/imm/quillner.bnk", "");
+    const std::string dir = folder.Folder() + "/";
     const struct {
         std::string folder;  // kept in every path as given, backslashes and letter case included
         const char* name;
@@ -119,10 +104,10 @@ TEST(Env, ListMatchesInNtfsOrder) {
         {dir,
          "*",
          {".", "..", "A.BNK", "b.bnk", "bank", "c.txt", "d.bnk.bak", "sub.bnk", "Z.bnk", "_x.bnk"}},
-        {folder.path() + "\\", "?.BnK", {"A.BNK", "b.bnk", "Z.bnk"}},
+        {folder.Folder() + "\\", "?.BnK", {"A.BNK", "b.bnk", "Z.bnk"}},
         {dir, "*.xyz", {}},
         {dir + "nowhere/", "*.bnk", {}},
-        {folder.path() + "\\Bank\\Machine\\IMM\\",
+        {folder.Folder() + "\\Bank\\Machine\\IMM\\",
          "*.bnk",
          {"quillner.bnk"}},  // found in other case
     };
@@ -142,17 +127,17 @@ TEST(Env, ListMatchesInNtfsOrder) {
 // source); a folder does not open as a file.
 TEST(Env, BackslashPathsAndCopies) {
     TempFolder folder;
-    const std::string bank = folder.path() + "\\User-IMM.bnk";
+    const std::string bank = folder.Folder() + "\\User-IMM.bnk";
     Env* env = Env::Default();
     EXPECT_TRUE(WriteFile(bank, WriteMode::kTruncate, "a\r\n"));
     EXPECT_TRUE(WriteFile(bank, WriteMode::kAppend, "\032b"));
     EXPECT_FALSE(env->CopyFileReplacing(bank, folder.File("User-IMM.bnk"))) << "onto itself";
     EXPECT_TRUE(env->CopyFileReplacing(bank, bank + ".bak"));
-    EXPECT_EQ(folder.ReadBytes("User-IMM.bnk.bak"), "a\r\n\032b");
+    EXPECT_EQ(folder.Read("User-IMM.bnk.bak"), "a\r\n\032b");
     EXPECT_TRUE(env->RenameReplacing(bank + ".bak", bank));
-    EXPECT_EQ(folder.ReadBytes("User-IMM.bnk"), "a\r\n\032b");
+    EXPECT_EQ(folder.Read("User-IMM.bnk"), "a\r\n\032b");
     EXPECT_FALSE(env->PathExists(bank + ".bak"));
-    EXPECT_EQ(env->OpenForReading(folder.path()), nullptr) << "a folder";
+    EXPECT_EQ(env->OpenForReading(folder.Folder()), nullptr) << "a folder";
 }
 
 }  // namespace

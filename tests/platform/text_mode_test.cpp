@@ -9,8 +9,8 @@
 #include <utility>
 #include <vector>
 
+#include "TempFolder.h"
 #include "platform/EnvWrapper.h"
-#include "platform/TempFolder.h"
 #include "platform/TextLineReader.h"
 #include "platform/TextWriter.h"
 
@@ -83,9 +83,9 @@ TEST(TextLineReader, ReadsLikeFgetsOverTheNaiveTranslation) {
     ASSERT_EQ(NaiveTranslate("a\r\r\nb\rc\032d"), "a\r\nb\rc");
     TempFolder folder;
     for (const auto& [label, raw] : rows) {
-        folder.WriteBytes("bank.bnk", raw);
+        folder.Write("bank.bnk", raw);
         const std::string expected = NaiveTranslate(raw);
-        folder.WriteBytes("plain.txt", expected);
+        folder.Write("plain.txt", expected);
         for (size_t maxChars : {1u, 4u, 511u, 1023u}) {
             EXPECT_EQ(ReaderPieces(folder.File("bank.bnk"), maxChars),
                       FgetsPieces(folder.File("plain.txt"), maxChars))

@@ -1,5 +1,5 @@
 // The machine records: defaults, copies, texts, the display name, the name rule and which
-// attributes each identity comparison looks at.
+// fields each identity comparison looks at.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -9,24 +9,22 @@
 #include <utility>
 
 #include "records/NameRule.h"
-#include "records/RecordAttributes.h"
+#include "records/RecordFields.h"
 
 namespace qzr::records::testing {
 namespace {
 
 template <class R>
 class Records : public ::testing::Test {};
-using RecordTypes = ::testing::Types<CQZRMoldingMachine, CQZRIM, CQZRRTM>;
+using RecordTypes = ::testing::Types<CQZRIM, CQZRRTM>;
 TYPED_TEST_SUITE(Records, RecordTypes);
 
-// Every attribute starts at its default; each getter shows what its own setter stored, through
-// a copy, an assignment over other values and a self-assignment; the copies keep their values
+// Every field starts at its default; each getter shows what its own setter stored, through a
+// copy, an assignment over other values and a self-assignment; the copies keep their values
 // when the source changes.
 TYPED_TEST(Records, DefaultsAndCopies) {
-    // 0 for injection moulding, 1 for transfer moulding, -1 for a bare record.
-    const int kind =
-        std::is_same_v<TypeParam, CQZRRTM> - std::is_same_v<TypeParam, CQZRMoldingMachine>;
-    EXPECT_EQ(TypeParam().GetMachineType(), kind);
+    EXPECT_EQ(CQZRMoldingMachine().GetMachineType(), -1);
+    EXPECT_EQ(TypeParam().GetMachineType(), (std::is_same_v<TypeParam, CQZRRTM> ? 1 : 0));
     TypeParam source = Filled<TypeParam>(1);
     const TypeParam constructed(source);
     TypeParam assigned = Filled<TypeParam>(2);
@@ -34,28 +32,28 @@ TYPED_TEST(Records, DefaultsAndCopies) {
     TypeParam& alias = assigned;
     assigned = alias;
     source = Filled<TypeParam>(3);
-    const auto table = Table<TypeParam>();
-    for (size_t row = 0; row < table.size(); ++row) {
+    const auto fields = Fields<TypeParam>();
+    for (size_t row = 0; row < fields.size(); ++row) {
         TypeParam alone;
-        EXPECT_EQ(table[row].show(alone), table[row].defaultValue) << table[row].name;
-        table[row].set(alone, Value(Number(row, 1)));
-        EXPECT_EQ(table[row].show(constructed), table[row].show(alone)) << table[row].name;
-        EXPECT_EQ(table[row].show(assigned), table[row].show(alone)) << table[row].name;
+        EXPECT_EQ(fields[row].show(alone), fields[row].defaultValue) << fields[row].name;
+        fields[row].set(alone, Value(Number(row, 1)));
+        EXPECT_EQ(fields[row].show(constructed), fields[row].show(alone)) << fields[row].name;
+        EXPECT_EQ(fields[row].show(assigned), fields[row].show(alone)) << fields[row].name;
     }
 }
 
 // Text setters copy the caller's bytes, take null as the empty text, and accept the record's own
 // text, even a tail of it that overlaps what it replaces.
 TYPED_TEST(Records, TextsAreCopiesAndTakeNull) {
-    for (const auto& attribute : Table<TypeParam>()) {
-        if (attribute.kind == Kind::Text) {
+    for (const auto& field : Fields<TypeParam>()) {
+        if (field.type == FieldType::kText) {
             TypeParam record;
             std::string text = "Tidewater\t\xE9\xFF";
-            attribute.set(record, Value(text.c_str()));
+            field.set(record, Value(text.c_str()));
             text[0] = 'X';
-            EXPECT_EQ(attribute.show(record), "Tidewater\t\xE9\xFF") << attribute.name;
-            attribute.set(record, Value(nullptr));
-            EXPECT_EQ(attribute.show(record), "") << attribute.name;
+            EXPECT_EQ(field.show(record), "Tidewater\t\xE9\xFF") << field.name;
+            field.set(record, Value(nullptr));
+            EXPECT_EQ(field.show(record), "") << field.name;
         }
     }
     TypeParam record;
@@ -65,56 +63,34 @@ TYPED_TEST(Records, TextsAreCopiesAndTakeNull) {
     EXPECT_STREQ(record.GetMaker(), "Presses 4410");
 }
 
-// Into a 64-byte buffer of '#', of which `size` bytes are offered: the whole name or an empty
+// The rows of tests/data/records/names.txt: the name rule on pairs of texts, and display names
+// into a 64-byte buffer of '#', of which `size` bytes are offered: the whole name or an empty
 // text (never a cut name), NULs up to the size, nothing written beyond it.
-TEST(Records, GetNameBufferSizes) {
-    const struct {
-        const char* maker;
-        const char* grade;
-        int size;
-        const char* name;
-    } rows[] = {
-        {"ABC", "X-100", 12, "ABC - X-100"}, {"ABC", "X-100", 11, ""}, {"", "", 4, " - "},
-        {" K ", "K 9", 40, " K  - K 9"},     {"ABC", "X-100", 0, ""},  {"ABC", "X-100", -5, ""}};
-    for (const auto& row : rows) {
-        CQZRRTM record;
-        record.SetMaker(row.maker);
-        record.SetGrade(row.grade);
+TEST(Records, NameRuleAndDisplayNames) {
+    const std::vector<qzr::test::DataRow> rows = qzr::test::ReadDataRows("records/names.txt");
+    ASSERT_FALSE(rows.empty());
+    for (const qzr::test::DataRow& row : rows) {
+        const std::string& a = row.fields[1];
+        const std::string& b = row.fields[2];
+        if (row.fields[0] != "name") {  // equal or differ, first, second
+            EXPECT_EQ(NamesEqual(a.c_str(), b.c_str()), row.fields[0] == "equal") << row.where;
+            EXPECT_EQ(NamesEqual(b.c_str(), a.c_str()), row.fields[0] == "equal") << row.where;
+            continue;
+        }
+        CQZRRTM record;  // name, maker, grade, size, name
+        record.SetMaker(a.c_str());
+        record.SetGrade(b.c_str());
         char buffer[64];
         std::memset(buffer, '#', sizeof buffer);
-        EXPECT_TRUE(record.GetName(buffer, row.size));
-        const size_t offered = static_cast<size_t>(std::max(row.size, 0));
-        std::string expected = row.name;
-        expected.resize(offered, '\0');
+        const int size = std::stoi(row.fields[3]);
+        EXPECT_TRUE(record.GetName(buffer, size));
+        std::string expected = row.fields[4];
+        expected.resize(static_cast<size_t>(std::max(size, 0)), '\0');
         expected.resize(sizeof buffer, '#');
-        EXPECT_EQ(std::string(buffer, sizeof buffer), expected)
-            << row.maker << ", size " << row.size;
+        EXPECT_EQ(std::string(buffer, sizeof buffer), expected) << row.where;
     }
+    EXPECT_FALSE(NamesEqual(nullptr, nullptr));
     EXPECT_FALSE(CQZRIM().GetName(nullptr, 10));
-}
-
-TEST(NameRule, Table) {
-    const struct {
-        const char* first;
-        const char* second;
-        bool equal;
-    } rows[] = {
-        {"kEsTrEl WoRkS", "KeStReL wOrKs", true},
-        {"ABCDEFGHIJKLMNOPQRSTUVWXYZ@[", "abcdefghijklmnopqrstuvwxyz@[", true},
-        {"Maker ", "Maker", false},
-        {"X-100", "X_100", false},
-        {"@[", "`{", false},  // the neighbours of the capitals do not fold
-        {"", "", true},
-        {nullptr, nullptr, false},
-        {"\304", "\344", false},  // in the "C" locale only A-Z fold
-        {"\303\204rger Press", "\303\204RGER PRESS", true},
-    };
-    for (const auto& row : rows) {
-        const std::string label = std::string(row.first != nullptr ? row.first : "<null>") + " / " +
-                                  (row.second != nullptr ? row.second : "<null>");
-        EXPECT_EQ(NamesEqual(row.first, row.second), row.equal) << label;
-        EXPECT_EQ(NamesEqual(row.second, row.first), row.equal) << label << ", swapped";
-    }
 }
 
 template <class R>
@@ -136,25 +112,24 @@ void ExpectDifferIn(const R& a, const R& b, const char* differing, const std::st
     }
 }
 
-// A difference in one attribute alone turns exactly the comparisons of its row false; numbers
+// A difference in one field alone turns exactly the comparisons of its row false; numbers
 // compare exactly: a NaN matches nothing, not even itself, and +0 matches -0.
 TYPED_TEST(Identity, WhichAttributesEachComparisonLooksAt) {
     const TypeParam base = Filled<TypeParam>(1);
     ExpectDifferIn(base, TypeParam(base), "", "a copy");
-    const auto table = Table<TypeParam>();
-    for (size_t row = 0; row < table.size(); ++row) {
-        const auto& attribute = table[row];
+    const auto fields = Fields<TypeParam>();
+    for (size_t row = 0; row < fields.size(); ++row) {
+        const auto& field = fields[row];
         TypeParam changed(base);
-        attribute.set(changed, Value(Number(row, 2)));
-        ExpectDifferIn(base, changed, attribute.affects, attribute.name);
-        if (attribute.kind == Kind::Real) {
-            attribute.set(changed, Value(std::numeric_limits<double>::quiet_NaN()));
-            ExpectDifferIn(changed, changed, attribute.affects,
-                           std::string("NaN ") + attribute.name);
+        field.set(changed, Value(Number(row, 2)));
+        ExpectDifferIn(base, changed, field.compared.c_str(), field.name);
+        if (field.type == FieldType::kReal) {
+            field.set(changed, Value(std::numeric_limits<double>::quiet_NaN()));
+            ExpectDifferIn(changed, changed, field.compared.c_str(), "NaN " + field.name);
             TypeParam minus(base);
-            attribute.set(changed, Value(0.0));
-            attribute.set(minus, Value(-0.0));
-            ExpectDifferIn(changed, minus, "", std::string("+0/-0 ") + attribute.name);
+            field.set(changed, Value(0.0));
+            field.set(minus, Value(-0.0));
+            ExpectDifferIn(changed, minus, "", "+0/-0 " + field.name);
         }
     }
 }
@@ -164,11 +139,11 @@ TYPED_TEST(Identity, TextsIgnoreCaseOnly) {
     TypeParam lower;
     TypeParam upper;
     TypeParam blank;
-    for (const auto& attribute : Table<TypeParam>()) {
-        if (attribute.kind == Kind::Text) {
-            attribute.set(lower, Value("kestrel 560x560"));
-            attribute.set(upper, Value("KESTREL 560X560"));
-            attribute.set(blank, Value("kestrel 560x560 "));
+    for (const auto& field : Fields<TypeParam>()) {
+        if (field.type == FieldType::kText) {
+            field.set(lower, Value("kestrel 560x560"));
+            field.set(upper, Value("KESTREL 560X560"));
+            field.set(blank, Value("kestrel 560x560 "));
         }
     }
     ExpectDifferIn(lower, upper, "", "case of every text");

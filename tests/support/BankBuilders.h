@@ -1,5 +1,6 @@
 // Banks for tests, made here rather than kept as files: bank text from lines, the head of a
-// sectioned bank, and catalogues of invented machines ready to save as a user bank.
+// sectioned bank, catalogues of invented machines ready to save as a user bank, and short texts
+// of what a catalogue holds.
 #ifndef QZR_TESTS_SUPPORT_BANKBUILDERS_H
 #define QZR_TESTS_SUPPORT_BANKBUILDERS_H
 
@@ -75,6 +76,20 @@ inline CQZRMoldingMachineCtrl UserCatalogue(bool transferMoulding, int version, 
         }
     }
     return catalogue;
+}
+
+// "Maker count, " for each maker in the catalogue's maker order, then "version/format/type" and
+// "+" where the catalogue is marked initialized.
+inline std::string Contents(const CQZRMoldingMachineCtrl& catalogue) {
+    std::string text;
+    for (int position = 0; position < catalogue.GetTotalMaker(); ++position) {
+        const int id = catalogue.GetMakerID(position);
+        text += std::string(catalogue.GetMaker(id)) + " " +
+                std::to_string(catalogue.GetMachineCount(id)) + ", ";
+    }
+    return text + std::to_string(catalogue.GetFileVersion()) + "/" +
+           std::to_string(catalogue.GetFileFormat()) + "/" +
+           std::to_string(catalogue.GetFileType()) + (catalogue.IsDatabaseInitialize() ? "+" : "");
 }
 
 }  // namespace qzr::test

@@ -25,10 +25,11 @@ struct Output {
     std::string err;
 };
 
-Output Convert(const std::string& input, const std::string& output) {
+Output Convert(const std::string& input, const std::string& output, bool allowLoss = true,
+               bool force = false) {
     std::ostringstream out;
     std::ostringstream err;
-    const int code = qzrbank::RunConvert({input, output}, out, err);
+    const int code = qzrbank::RunConvert({input, output, force, allowLoss}, out, err);
     return {code, out.str(), err.str()};
 }
 
@@ -62,7 +63,7 @@ TEST(Convert, LegacyUserBankToSectionedListsWhatIsLost) {
     const Output result = Convert(input, output);
     ASSERT_EQ(result.exitCode, 0) << result.err;
     EXPECT_EQ(result.err, "");
-    EXPECT_NE(result.out.find("converted 6 machines: "), std::string::npos);
+    EXPECT_NE(result.out.find("6 machines for "), std::string::npos);
     EXPECT_NE(result.out.find("not carried by a sectioned IMM user bank, so lost: TimeConstFR, "
                               "TimeConstIP, NozzleVolume, MaxPressureSlope"),
               std::string::npos);
@@ -91,7 +92,8 @@ TEST(Convert, RoundTripsSettleAfterTheFirstConversion) {
     ASSERT_EQ(Convert(folder / "first.bnk", folder / "middle.bnk").exitCode, 0);
     // A replaced file is kept as .bak.
     qzrbank_test::WriteFile(folder.Path() / "last.bnk", "previous content\n");
-    ASSERT_EQ(Convert(folder / "middle.bnk", folder / "last.bnk").exitCode, 0);
+    EXPECT_EQ(Convert(folder / "middle.bnk", folder / "last.bnk").exitCode, 2) << "no --force";
+    ASSERT_EQ(Convert(folder / "middle.bnk", folder / "last.bnk", true, true).exitCode, 0);
     EXPECT_EQ(qzrbank_test::ReadFile(folder.Path() / "last.bnk.bak"), "previous content\n");
     EXPECT_EQ(qzrbank_test::ReadFile(folder.Path() / "first.bnk"),
               qzrbank_test::ReadFile(folder.Path() / "last.bnk"));
@@ -101,16 +103,32 @@ TEST(Convert, RoundTripsSettleAfterTheFirstConversion) {
     EXPECT_EQ(std::distance(fs::directory_iterator(folder.Path()), fs::directory_iterator()), 4);
 }
 
-TEST(Convert, TextsThatBreakALegacyRowAreWarnedAndCaught) {
+// A grade with a comma splits its legacy row: the machine does not read back, so without
+// --allow-loss nothing is written; a marker text in a remark is named as the cause.
+TEST(Convert, TextsThatBreakALegacyRowAreCaughtBeforeWriting) {
     qzrbank_test::TempFolder folder;
-    const Output result = Convert(ToolData("sectioned_comma_in_maker.bnk"), folder / "out.bnk");
-    EXPECT_EQ(result.exitCode, 1);
-    EXPECT_NE(result.err.find("warning: Varnholt, Sons - VH-50: Maker \"Varnholt, Sons\" holds a "
-                              "comma"),
-              std::string::npos)
-        << result.err;
-    EXPECT_NE(result.err.find("holds \"Version\""), std::string::npos);
-    EXPECT_NE(result.err.find("reads back 0 of 1 machines intact"), std::string::npos);
+    std::string bank = qzrbank_test::ReadFile(qzrbank_test::ExamplesBank() + "/User-IMM.bnk");
+    bank.replace(bank.find("KL-140e"), 7, "KL-140e, rev B");
+    qzrbank_test::WriteFile(folder.Path() / "comma.bnk", bank);
+    const Output refused = Convert(folder / "comma.bnk", folder / "out.bnk", false);
+    EXPECT_EQ(refused.exitCode, 1);
+    EXPECT_NE(refused.out.find("  Kemberline - KL-140e, rev B: not read back\n"), std::string::npos)
+        << refused.out;
+    EXPECT_NE(refused.out.find("Grade \"KL-140e, rev B\" holds a comma: the legacy row splits it"),
+              std::string::npos);
+    EXPECT_NE(
+        refused.err.find(
+            "not written: 0 of 6 machines read back intact (1 not read back, 5 with attributes"),
+        std::string::npos)
+        << refused.err;
+    EXPECT_FALSE(fs::exists(folder.Path() / "out.bnk"));
+    EXPECT_EQ(Convert(folder / "comma.bnk", folder / "out.bnk").exitCode, 0);
+    EXPECT_EQ(Load(qzrbank::BankLoad::OldIMMUser, folder / "out.bnk").size(), 6u);
+
+    const Output marker =
+        Convert(ToolData("sectioned_comma_in_maker.bnk"), folder / "m.bnk", false);
+    EXPECT_EQ(marker.exitCode, 1);
+    EXPECT_NE(marker.out.find("holds \"Version\""), std::string::npos) << marker.out;
 }
 
 TEST(Convert, Refusals) {
@@ -130,7 +148,7 @@ TEST(Convert, Refusals) {
         {"a refused input", ToolData("legacy_totalno_in_user_bank.bnk"), folder / "d.bnk",
          "refused by its loader"},
         {"an output in a missing folder", bank + "/user-pro.bnk", folder / "none/e.bnk",
-         "cannot write"},
+         "cannot make a temporary folder"},
         {"a legacy output in a missing folder", bank + "/User-IMM.bnk", folder / "none/f.bnk",
          "cannot make a temporary folder"},
     };

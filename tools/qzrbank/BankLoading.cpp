@@ -6,10 +6,14 @@
 
 #include "BankFiles.h"
 #include "bank/BankKind.h"
+#include "platform/ExecutablePath.h"
 #include "platform/Wildcard.h"
 
 #ifndef QZRBANK_SHIPPED_BANK
 #define QZRBANK_SHIPPED_BANK "examples/Bank"
+#endif
+#ifndef QZRBANK_INSTALLED_BANK
+#define QZRBANK_INSTALLED_BANK "../share/qzrmachine/examples/Bank"
 #endif
 
 namespace qzrbank {
@@ -188,6 +192,22 @@ bool LoadBank(BankLoad load, const std::string& path, CQZRMoldingMachineCtrl* ca
     return false;
 }
 
+bool LoadWatched(BankLoad load, const std::string& path, CQZRMoldingMachineCtrl* catalogue,
+                 std::vector<Finding>* skipped) {
+    LoadWatcher watcher;
+    bool loaded = false;
+    {
+        const qzr::bank::ScopedLoadObserver watch(&watcher);
+        loaded = LoadBank(load, path, catalogue);
+    }
+    for (const Finding& finding : watcher.Findings()) {
+        if (finding.severity == Severity::kError) {
+            skipped->push_back(finding);
+        }
+    }
+    return loaded;
+}
+
 bool SourcedCatalogue::Load(BankLoad load, const std::string& path, const std::string& label) {
     const bool loaded = LoadBank(load, path, &m_catalogue);
     const int highest = HighestMachineId();
@@ -247,6 +267,17 @@ bool LocateBankFolder(const std::string& dir, BankFolder* folder, std::string* e
 }
 
 std::string ShippedBankFolder() {
+    // An installed tool finds the examples installed beside it, wherever the prefix was moved;
+    // a tool run from its build tree finds those of its source tree.
+    const std::string program = qzr::platform::ExecutablePath();
+    if (!program.empty()) {
+        std::error_code error;
+        const fs::path installed =
+            (fs::path(program).parent_path() / QZRBANK_INSTALLED_BANK).lexically_normal();
+        if (fs::is_directory(installed, error)) {
+            return installed.string();
+        }
+    }
     return QZRBANK_SHIPPED_BANK;
 }
 

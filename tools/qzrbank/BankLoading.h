@@ -32,6 +32,11 @@ bool IsRTMLoad(BankLoad load);
 // recognised (a front keeps the header values of its last recognition).
 bool LoadBank(BankLoad load, const std::string& path, CQZRMoldingMachineCtrl* catalogue);
 
+// LoadBank with the load watched: the errors it finds (what the loader skipped or changed)
+// are added to skipped.
+bool LoadWatched(BankLoad load, const std::string& path, CQZRMoldingMachineCtrl* catalogue,
+                 std::vector<Finding>* skipped);
+
 // A catalogue of machines of one kind, and the load each machine came from. The catalogue
 // issues machine ids in ascending order while it only grows, so the ids a load issued tell
 // its machines apart from those of the loads before it.
@@ -70,7 +75,8 @@ struct BankFolder {
 // False, with a message, when dir is neither a folder holding "Bank" nor a bank folder.
 bool LocateBankFolder(const std::string& dir, BankFolder* folder, std::string* error);
 
-// The shipped examples/Bank of this source tree.
+// The example banks: those installed beside the tool (share/qzrmachine/examples/Bank), else
+// those of the source tree it was built from.
 std::string ShippedBankFolder();
 
 // Loads a bank folder the way a host does, watched: the injection-moulding banks (the

@@ -1,8 +1,8 @@
 // The subcommands of qzrbank. Each writes its results to out and its errors, one line each, to
 // err, and returns the process exit code: 0 done (and, for check, nothing found), 1 findings or
-// differences (check found something, show or list found no such machine, convert could not
-// read back all it wrote), 2 a usage or I/O error (a missing or unreadable file, a bank no
-// loader accepts where one is needed, a bad argument).
+// differences (check found something, show or list found no such machine, a write would lose
+// data and allowLoss is off, diff found a difference), 2 a usage or I/O error (a missing or
+// unreadable file, a bank no loader accepts where one is needed, a bad argument).
 #ifndef QZRBANK_COMMANDS_H
 #define QZRBANK_COMMANDS_H
 
@@ -59,8 +59,48 @@ int RunCheck(const CheckOptions& options, std::istream& in, std::ostream& out, s
 struct ConvertOptions {
     std::string input;
     std::string output;
+    bool force = false;      // replace an existing OUT and OUT.bak
+    bool allowLoss = false;  // write though machines or attributes do not read back
 };
 int RunConvert(const ConvertOptions& options, std::ostream& out, std::ostream& err);
+
+// set, add, rm and rename: one machine of a user bank file, which is written back in place
+// (its previous content kept as BANK.bak) when everything reads back intact or allowLoss.
+struct EditOptions {
+    std::string bank;
+    std::string maker;
+    std::string grade;
+    std::vector<std::string> assignments;  // set, add: KEY=VALUE, KEY a sectioned key or name
+    std::string newMaker;                  // rename
+    std::string newGrade;                  // rename
+    bool allowLoss = false;
+};
+int RunSet(const EditOptions& options, std::ostream& out, std::ostream& err);
+int RunAdd(const EditOptions& options, std::ostream& out, std::ostream& err);
+int RunRemove(const EditOptions& options, std::ostream& out, std::ostream& err);
+int RunRename(const EditOptions& options, std::ostream& out, std::ostream& err);
+
+// diff: exit 0 when both banks hold the same machines with the same attributes (those both
+// formats hold), 1 when they differ.
+struct DiffOptions {
+    std::string a;
+    std::string b;
+    std::string format = "table";  // "table" or "json"
+};
+int RunDiff(const DiffOptions& options, std::ostream& out, std::ostream& err);
+
+// import: machines of a CSV or JSON file as export writes it added to a user bank (edited in
+// place) or to a new bank file; exit 2 with nothing written for any machine that is refused.
+struct ImportOptions {
+    std::string file;
+    std::string bank;
+    std::string onDuplicate = "fail";     // a machine the bank holds: "skip", "replace" or "fail"
+    std::string encoding = "cp1252";      // the code page of the bank's texts
+    std::string newFormat = "sectioned";  // a new bank of IMM machines: "sectioned" or "legacy"
+    bool dryRun = false;
+    bool allowLoss = false;
+};
+int RunImport(const ImportOptions& options, std::ostream& out, std::ostream& err);
 
 // Every machine of a bank file or bank folder with every attribute; ExportCommand.cpp describes
 // the CSV and JSON it writes.

@@ -1,4 +1,5 @@
-// qzrbank: lists, shows, describes (info), checks and converts the bank files of QZRMachine.
+// qzrbank: lists, shows, describes (info), checks, converts, edits, compares and imports the
+// bank files of QZRMachine.
 // This file only reads the command line and writes the output; the work is done by the
 // functions of Commands.h.
 #include <algorithm>
@@ -16,7 +17,8 @@
 
 namespace {
 
-const char* const kCommands[] = {"list", "show", "info", "check", "convert", "export"};
+const char* const kCommands[] = {"list", "show", "info",   "check", "convert", "set",
+                                 "add",  "rm",   "rename", "diff",  "import",  "export"};
 
 // Letters to insert, delete or replace to turn one word into the other.
 size_t EditDistance(const std::string& a, const std::string& b) {
@@ -72,6 +74,15 @@ void AddEncodingOption(CLI::App* command, std::string* encoding) {
         ->check(CLI::IsMember({"cp1252", "cp932", "latin1"}, CLI::ignore_case));
 }
 
+// The flags of every command that writes a bank.
+void AddWriteFlags(CLI::App* command, bool* force, bool* allowLoss) {
+    if (force != nullptr) {
+        command->add_flag("--force", *force, "replace an existing OUT (kept as OUT.bak)");
+    }
+    command->add_flag("--allow-loss", *allowLoss,
+                      "write even when machines or attributes would not read back intact");
+}
+
 // Writes what a command gave for standard output; every byte must reach it.
 int Finished(int exitCode, const std::string& output) {
     errno = 0;
@@ -87,7 +98,8 @@ int Finished(int exitCode, const std::string& output) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    CLI::App app{"qzrbank: list, show, info, check and convert QZRMachine bank files", "qzrbank"};
+    CLI::App app{"qzrbank: list, show, check, convert, edit, compare and import QZRMachine banks",
+                 "qzrbank"};
     // Paths are arguments on every platform: CLI11 would otherwise read "/data/Bank" on
     // Windows as an option named "data/Bank". Subcommands copy the setting when they are added;
     // each is also set below, so that moving this line cannot bring the fault back.
@@ -96,9 +108,9 @@ int main(int argc, char** argv) {
     app.set_version_flag("--version", "qzrbank " QZRBANK_VERSION);
     app.footer(
         "Exit codes: 0 done (check: nothing found); 1 findings or differences (check found\n"
-        "something, show or list --maker found no such machine, convert could not read back\n"
-        "every machine); 2 a usage or I/O error (bad argument, missing or unreadable file,\n"
-        "failed write). See tools/README.md.");
+        "something, show or list --maker found no such machine, a write would lose data\n"
+        "and --allow-loss was not given, diff found a difference); 2 a usage or I/O error\n"
+        "(bad argument, missing or unreadable file, failed write). See tools/README.md.");
 
     qzrbank::ListOptions list;
     std::string bankDir;
@@ -147,6 +159,50 @@ int main(int argc, char** argv) {
         "legacy bank -> sectioned IMM user bank, sectioned IMM bank -> legacy user bank");
     convertCommand->add_option("IN", convert.input, "the bank to convert")->required();
     convertCommand->add_option("OUT", convert.output, "the bank file to write")->required();
+    AddWriteFlags(convertCommand, &convert.force, &convert.allowLoss);
+
+    // Edits of one machine of a user bank.
+    qzrbank::EditOptions edit;
+    const auto addEditCommand = [&app, &edit](const char* name, const char* help) {
+        CLI::App* command = app.add_subcommand(name, help);
+        command->add_option("BANK", edit.bank, "a user bank file, edited in place")->required();
+        command->add_option("MAKER", edit.maker, "the maker")->required();
+        command->add_option("GRADE", edit.grade, "the grade")->required();
+        AddWriteFlags(command, nullptr, &edit.allowLoss);
+        return command;
+    };
+    CLI::App* setCommand = addEditCommand("set", "change attributes of a machine");
+    setCommand->add_option("KEY=VALUE", edit.assignments, "sectioned key or attribute name")
+        ->required();
+    CLI::App* addCommand = addEditCommand("add", "add a machine");
+    addCommand->add_option("KEY=VALUE", edit.assignments, "sectioned key or attribute name");
+    CLI::App* rmCommand = addEditCommand("rm", "remove a machine");
+    CLI::App* renameCommand = addEditCommand("rename", "give a machine a new maker and grade");
+    renameCommand->add_option("NEWMAKER", edit.newMaker, "the new maker")->required();
+    renameCommand->add_option("NEWGRADE", edit.newGrade, "the new grade")->required();
+
+    qzrbank::DiffOptions diff;
+    CLI::App* diffCommand =
+        app.add_subcommand("diff", "machines added, removed and changed from bank A to bank B");
+    diffCommand->add_option("A", diff.a, "a bank file")->required();
+    diffCommand->add_option("B", diff.b, "a bank file")->required();
+    AddFormatOption(diffCommand, &diff.format, {"table", "json"});
+
+    qzrbank::ImportOptions import;
+    CLI::App* importCommand =
+        app.add_subcommand("import", "add machines of a CSV or JSON file to a user bank");
+    importCommand->add_option("FILE", import.file, "CSV or JSON as export writes it")->required();
+    importCommand->add_option("BANK", import.bank, "a user bank file, edited or made")->required();
+    importCommand->add_option("--on-duplicate", import.onDuplicate, "skip, replace or fail")
+        ->check(CLI::IsMember({"skip", "replace", "fail"}));
+    importCommand->add_option("--encoding", import.encoding,
+                              "the code page of the bank's texts (default cp1252)");
+    importCommand
+        ->add_option("--new-format", import.newFormat,
+                     "a new bank of IMM machines: sectioned or legacy")
+        ->check(CLI::IsMember({"sectioned", "legacy"}));
+    importCommand->add_flag("--dry-run", import.dryRun, "check and report, write nothing");
+    AddWriteFlags(importCommand, nullptr, &import.allowLoss);
 
     qzrbank::ExportOptions exportOptions;
     CLI::App* exportCommand = app.add_subcommand(
@@ -162,7 +218,8 @@ int main(int argc, char** argv) {
     AddEncodingOption(checkCommand, &check.encoding);
 
     for (CLI::App* command :
-         {listCommand, showCommand, infoCommand, checkCommand, convertCommand, exportCommand}) {
+         {listCommand, showCommand, infoCommand, checkCommand, convertCommand, setCommand,
+          addCommand, rmCommand, renameCommand, diffCommand, importCommand, exportCommand}) {
         command->allow_windows_style_options(false);
     }
 
@@ -206,8 +263,20 @@ int main(int argc, char** argv) {
             code = qzrbank::RunCheck(check, std::cin, out, std::cerr);
         } else if (exportCommand->parsed()) {
             code = qzrbank::RunExport(exportOptions, out, std::cerr);
-        } else {
+        } else if (convertCommand->parsed()) {
             code = qzrbank::RunConvert(convert, out, std::cerr);
+        } else if (setCommand->parsed()) {
+            code = qzrbank::RunSet(edit, out, std::cerr);
+        } else if (addCommand->parsed()) {
+            code = qzrbank::RunAdd(edit, out, std::cerr);
+        } else if (rmCommand->parsed()) {
+            code = qzrbank::RunRemove(edit, out, std::cerr);
+        } else if (renameCommand->parsed()) {
+            code = qzrbank::RunRename(edit, out, std::cerr);
+        } else if (diffCommand->parsed()) {
+            code = qzrbank::RunDiff(diff, out, std::cerr);
+        } else if (importCommand->parsed()) {
+            code = qzrbank::RunImport(import, out, std::cerr);
         }
     } catch (const std::exception& error) {
         std::cerr << "qzrbank: " << error.what() << '\n';

@@ -99,24 +99,27 @@ void AppendValue(bank::TextBuffer& row, double value) {
 }
 
 template <size_t position>
-void AppendColumn(bank::TextBuffer& row, const CQZRIM& machine, const NozzleSpecification& nozzle) {
+auto ColumnValue(const CQZRIM& machine, const NozzleSpecification& nozzle) {
     constexpr ColumnPlace place = kRowColumns[position];
-    row.Append(',');
-    constexpr records::LegacyNumber number = ColumnAt(place).number;
     if constexpr (place.list == TableList::kCommon) {
-        AppendValue<number>(row, std::get<place.index + 1>(kCommonGetters)(machine));
+        return std::get<place.index + 1>(kCommonGetters)(machine);
     } else if constexpr (place.list == TableList::kIMM) {
-        AppendValue<number>(row, std::get<place.index + 1>(kIMMGetters)(machine));
+        return std::get<place.index + 1>(kIMMGetters)(machine);
     } else {
-        AppendValue<number>(row, std::get<place.index + 1>(kNozzleGetters)(nozzle));
+        return std::get<place.index + 1>(kNozzleGetters)(nozzle);
     }
 }
 
+// All values are fetched before any is written, so that the record's memory is read in one go
+// rather than between the number conversions.
 template <size_t... positions>
 void AppendColumns(bank::TextBuffer& row, const CQZRIM& machine,
                    std::index_sequence<positions...>) {
     const NozzleSpecification& nozzle = machine.GetNozzleSpecification();
-    (AppendColumn<positions>(row, machine, nozzle), ...);
+    const auto values = std::make_tuple(ColumnValue<positions>(machine, nozzle)...);
+    ((row.Append(','),
+      AppendValue<ColumnAt(kRowColumns[positions]).number>(row, std::get<positions>(values))),
+     ...);
 }
 
 class LegacyUserRow {

@@ -1,6 +1,8 @@
 // The columns of the legacy tabular row as the field table gives them: the fields of an
 // injection-moulding record and of its nozzle data that have a column, in column order. The
-// row parser takes each layout's trailing columns from them, the writer its whole row.
+// order is worked out while compiling (kRowColumns), so that the row parser and writer expand
+// it into direct accessor calls; LegacyColumns() gives the same columns with their descriptors
+// (titles, units, names) for what runs once per file or only for a watched load.
 #ifndef QZR_BANK_LEGACY_LEGACYCOLUMNS_H
 #define QZR_BANK_LEGACY_LEGACYCOLUMNS_H
 
@@ -32,9 +34,9 @@ constexpr size_t CountColumns(const records::LegacyColumn (&columns)[N]) {
     return count;
 }
 
-constexpr size_t kColumnCount = CountColumns(records::kCommonLegacyColumns) +
-                                CountColumns(records::kIMMLegacyColumns) +
-                                CountColumns(records::kNozzleLegacyColumns);
+inline constexpr size_t kColumnCount = CountColumns(records::kCommonLegacyColumns) +
+                                       CountColumns(records::kIMMLegacyColumns) +
+                                       CountColumns(records::kNozzleLegacyColumns);
 
 template <size_t N>
 constexpr void AddPlaces(const records::LegacyColumn (&columns)[N], TableList list,
@@ -63,7 +65,7 @@ constexpr std::array<ColumnPlace, kColumnCount> ColumnsInRowOrder() {
 }
 
 // Every column of the writer's row after the ID, in column order, while compiling.
-constexpr std::array<ColumnPlace, kColumnCount> kRowColumns = ColumnsInRowOrder();
+inline constexpr std::array<ColumnPlace, kColumnCount> kRowColumns = ColumnsInRowOrder();
 
 constexpr const records::LegacyColumn& ColumnAt(const ColumnPlace& place) {
     return place.list == TableList::kCommon ? records::kCommonLegacyColumns[place.index]

@@ -1,0 +1,55 @@
+// Every bank the tool writes goes through WriteBank: the library's save writes it into a
+// temporary folder beside OUT, the library's loader reads it back, and every attribute of every
+// machine is compared with what was meant to be written. Only then, and only when nothing was
+// lost or the user accepts the loss, does the new bank take OUT's place (the previous OUT kept
+// as OUT.bak, as the library's save keeps the file it replaces).
+#ifndef QZRBANK_BANKWRITE_H
+#define QZRBANK_BANKWRITE_H
+
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include <QZRMachine/QZRMoldingMachineCtrl.h>
+
+#include "Finding.h"
+#include "MachineComparison.h"
+
+namespace qzrbank {
+
+// More machine sections than this no loader reads back.
+constexpr int kMostSectionedMachines = 65535;
+
+struct WriteOptions {
+    std::string output;
+    BankFormat format = BankFormat::kSectionedIMM;
+    bool force = false;      // replace an existing OUT and OUT.bak
+    bool allowLoss = false;  // write even when machines or attributes do not read back
+    bool dryRun = false;     // everything but replacing OUT
+    // What the loads that filled the catalogue passed over: reported as lost too.
+    std::vector<Finding> skippedOnLoad;
+};
+
+// Gives the catalogue the file attributes the format's writer takes (version, format, type).
+void PrepareForFormat(BankFormat format, CQZRMoldingMachineCtrl* catalogue);
+
+// Writes the catalogue as a bank of the format to options.output and reports on out what did
+// not read back intact, machine by machine. Returns kExitOk (written, nothing lost, or the loss
+// allowed), kExitNegative (something would be lost: nothing written) or kExitError (refused or
+// failed: nothing written, one line on err). The catalogue's file attributes must be the
+// format's (PrepareForFormat).
+int WriteBank(const CQZRMoldingMachineCtrl& catalogue, const WriteOptions& options,
+              std::ostream& out, std::ostream& err);
+
+// Loads a user bank file to be written back in place: write gets its path, format and what the
+// load skipped, and force. False, with one line on err, for a file that cannot be read or is
+// no user bank its loader accepts.
+bool LoadUserBank(const std::string& path, CQZRMoldingMachineCtrl* catalogue, WriteOptions* write,
+                  std::ostream& err);
+
+// The format of a user bank kind (a qzr::bank::BankKind value); false for other kinds.
+bool UserBankFormat(int kind, BankFormat* format);
+
+}  // namespace qzrbank
+
+#endif  // QZRBANK_BANKWRITE_H
