@@ -195,8 +195,7 @@ int main(int argc, char** argv) {
     importCommand->add_option("BANK", import.bank, "a user bank file, edited or made")->required();
     importCommand->add_option("--on-duplicate", import.onDuplicate, "skip, replace or fail")
         ->check(CLI::IsMember({"skip", "replace", "fail"}));
-    importCommand->add_option("--encoding", import.encoding,
-                              "the code page of the bank's texts (default cp1252)");
+    AddEncodingOption(importCommand, &import.encoding);
     importCommand
         ->add_option("--new-format", import.newFormat,
                      "a new bank of IMM machines: sectioned or legacy")
