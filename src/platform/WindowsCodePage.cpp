@@ -2,7 +2,7 @@
 // a character that does not convert is found by its offset.
 #if defined(_WIN32)
 
-#include <windows.h>
+#include "platform/WindowsHeaders.h"
 
 #include <string>
 

@@ -3,13 +3,7 @@
 // them; a path near the classic 260-character limit goes as an extended-length path.
 #if defined(_WIN32)
 
-#ifndef WIN32_LEAN_AND_MEAN
-#define WIN32_LEAN_AND_MEAN
-#endif
-#ifndef NOMINMAX
-#define NOMINMAX
-#endif
-#include <windows.h>
+#include "platform/WindowsHeaders.h"
 
 #include <time.h>
 

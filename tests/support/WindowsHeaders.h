@@ -1,16 +1,7 @@
-// The Windows API for the tests that need it, without the macros that clash with the standard
-// library (min, max) or that slow every build down.
+// The Windows API for the tests that need it, as the platform layer includes it.
 #ifndef QZR_TESTS_SUPPORT_WINDOWSHEADERS_H
 #define QZR_TESTS_SUPPORT_WINDOWSHEADERS_H
 
-#if defined(_WIN32)
-#ifndef WIN32_LEAN_AND_MEAN
-#define WIN32_LEAN_AND_MEAN
-#endif
-#ifndef NOMINMAX
-#define NOMINMAX
-#endif
-#include <windows.h>
-#endif
+#include "platform/WindowsHeaders.h"
 
 #endif  // QZR_TESTS_SUPPORT_WINDOWSHEADERS_H
