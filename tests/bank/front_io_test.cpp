@@ -6,9 +6,10 @@
 
 #include <functional>
 #include <string>
-#include <tuple>
+#include <utility>
 
 #include "BankBuilders.h"
+#include "DefaultBanks.h"
 #include "TempFolder.h"
 
 namespace {
@@ -32,8 +33,7 @@ TEST(Front, MissingArgumentsAreRefusedBeforeAnything) {
     };
     TempFolder folder;
     CQZRMoldingMachineIO front;
-    CQZRMoldingMachineCtrl catalogue;
-    catalogue.SetFileVersion(1);
+    CQZRMoldingMachineCtrl catalogue = qzr::test::AttributedCatalogue(1, 0, 0);
     for (size_t i = 0; i < std::size(members); ++i) {
         SCOPED_TRACE("member " + std::to_string(i));
         EXPECT_FALSE(members[i](front, nullptr, &catalogue));
@@ -54,25 +54,21 @@ TEST(Front, MissingArgumentsAreRefusedBeforeAnything) {
 // A failed user-bank load gives the catalogue the attributes of a new user bank, so that the
 // matching save then writes one; the sectioned injection-moulding load has no such fallback.
 TEST(Front, FailedUserLoadPreparesANewUserBank) {
-    const std::tuple<Member, const char*, Member> rows[] = {
-        {[](auto& f, auto p, auto c) { return f.LoadOldIMMUserDatabase(p, c); }, "7004/1/0",
-         [](auto& f, auto p, auto c) { return f.SaveOldIMMUserDatabase(p, c); }},
-        {[](auto& f, auto p, auto c) { return f.LoadRTMUserDatabase(p, c); }, "9000/1/1",
-         [](auto& f, auto p, auto c) { return f.SaveRTMUserDatabase(p, c); }},
-        {[](auto& f, auto p, auto c) { return f.LoadIMMUserDatabase(p, c); }, "1/2/3", nullptr},
+    const std::pair<const qzr::test::DefaultBank&, const char*> rows[] = {
+        {qzr::test::kLegacyUserBank, "7004/1/0"},
+        {qzr::test::kRTMUserBank, "9000/1/1"},
+        {qzr::test::kIMMUserBank, "1/2/3"},
     };
-    for (const auto& [load, fallback, save] : rows) {
+    for (const auto& [bank, fallback] : rows) {
         SCOPED_TRACE(fallback);
         TempFolder folder;
         folder.MakeFolder("Bank");
         CQZRMoldingMachineIO front;
-        CQZRMoldingMachineCtrl catalogue;
-        catalogue.SetFileVersion(1);
-        catalogue.SetFileFormat(2);
-        catalogue.SetFileType(3);
-        EXPECT_FALSE(load(front, folder.File("missing.bnk").c_str(), &catalogue));
+        CQZRMoldingMachineCtrl catalogue = qzr::test::AttributedCatalogue(1, 2, 3);
+        EXPECT_FALSE(bank.load(front, folder.File("missing.bnk"), &catalogue));
         EXPECT_EQ(Contents(catalogue), fallback) << "the initialized flag is left alone";
-        EXPECT_TRUE(!save || save(front, (folder.Folder() + "/").c_str(), &catalogue));
+        // With no fallback the attributes still name no user bank, and the save refuses.
+        EXPECT_EQ(bank.save(front, folder.Folder() + "/", &catalogue), fallback[0] != '1');
     }
 }
 

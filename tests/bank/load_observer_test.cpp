@@ -17,7 +17,6 @@
 
 namespace {
 
-using qzr::bank::LegacyLine;
 using qzr::test::Lines;
 using qzr::test::TempFolder;
 
@@ -98,7 +97,7 @@ TEST(LoadObserver, EachLoaderTellsWhatItDidLineByLine) {
 
 TEST(LoadObserver, AFolderLoadNamesEveryFileItLooksAt) {
     TempFolder folder;
-    const std::string header = Lines({"[FileHeader]", "Version = 9000", "Format = 0", "Type = 0"});
+    const std::string header = qzr::test::SectionedHead(9000, 0, 0);
     folder.Write("Machine/IMM/A.bnk",
                  header + Lines({"[Machine-1]", "Maker = Ardmoor", "Grade = A"}));
     folder.Write("Machine/IMM/B.bnk", Lines({"[Header]", "Version,7007"}));

@@ -19,6 +19,7 @@
 
 #include <QZRMachine/QZRMachine.h>
 
+#include "BankBuilders.h"
 #include "DefaultBanks.h"
 #include "FixedClock.h"
 #include "TempFolder.h"
@@ -79,10 +80,7 @@ R HardMachine(int machine) {
 constexpr char kCreateBy[] = "bank tests";  // not read back from a bank
 
 CQZRMoldingMachineCtrl HardCatalogue(int version, int type) {
-    CQZRMoldingMachineCtrl catalogue;
-    catalogue.SetFileVersion(version);
-    catalogue.SetFileFormat(1);
-    catalogue.SetFileType(type);
+    CQZRMoldingMachineCtrl catalogue = qzr::test::AttributedCatalogue(version, 1, type);
     catalogue.SetDatabaseInitialize(true);
     catalogue.SetFileName("Pinned numbers");
     catalogue.SetFileCreateBy(kCreateBy);

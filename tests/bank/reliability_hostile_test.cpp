@@ -161,10 +161,7 @@ TEST(HostileFiles, FoldersDevicesAndPipesAreNoBanks) {
     }
 
     // A save never replaces what is not a regular file, nor waits for a pipe's reader.
-    CQZRMoldingMachineCtrl catalogue;
-    catalogue.SetFileVersion(9000);
-    catalogue.SetFileFormat(1);
-    catalogue.SetFileType(0);
+    const CQZRMoldingMachineCtrl catalogue = qzr::test::UserCatalogue(false, 9000, 0);
     CQZRMoldingMachineIO io;
     for (const std::string& path : {pipe, folder.File("Bank/User-IMM.bnk")}) {
         EXPECT_FALSE(io.SaveIMMUserDatabase(path.c_str(), &catalogue)) << path;

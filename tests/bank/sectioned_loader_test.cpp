@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <string>
 
+#include "BankBuilders.h"
 #include "FixedClock.h"
 #include "TempFolder.h"
 #include "bank/QZRMoldingMachineReader.h"
@@ -96,9 +97,7 @@ TEST(SectionedLoad, UserBankMatchesTheSectionParser) {
     const std::string path = kData + "user.bnk";
     CQZRMoldingMachineCtrl loaded;
     ASSERT_TRUE(CQZRMoldingMachineReader().ReadIMMUserDatabase(path.c_str(), &loaded));
-    CQZRMoldingMachineCtrl parsed;
-    parsed.SetFileVersion(9000);
-    parsed.SetFileFormat(1);
+    CQZRMoldingMachineCtrl parsed = qzr::test::AttributedCatalogue(9000, 1, 0);
     for (long n = 1;; ++n) {
         CQZRIM machine;
         if (!qzr::reference::ParseIMMSection(path.c_str(), n, machine)) break;

@@ -7,6 +7,7 @@
 
 #include <QZRMachine/QZRMachine.h>
 
+#include "BankBuilders.h"
 #include "FixedClock.h"
 #include "TempFolder.h"
 
@@ -23,9 +24,7 @@ std::string SectionNumbers(const std::string& text) {
 
 TEST(SectionedWriter, OtherKindLeavesGapsInTheNumbering) {
     const qzr::test::FixedClock clock;
-    CQZRMoldingMachineCtrl catalogue;
-    catalogue.SetFileVersion(9000);
-    catalogue.SetFileFormat(1);
+    CQZRMoldingMachineCtrl catalogue = qzr::test::AttributedCatalogue(9000, 1, 0);
     for (const char* maker : {"Harlow", "Ostrava", "Kessling"}) {
         CQZRIM imm;
         CQZRRTM rtm;

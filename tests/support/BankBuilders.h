@@ -58,13 +58,19 @@ inline CQZRRTM InventedRTM(int seed) {
     return m;
 }
 
+// An empty catalogue with these file attributes.
+inline CQZRMoldingMachineCtrl AttributedCatalogue(int version, int format, int type) {
+    CQZRMoldingMachineCtrl catalogue;
+    catalogue.SetFileVersion(version);
+    catalogue.SetFileFormat(format);
+    catalogue.SetFileType(type);
+    return catalogue;
+}
+
 // A catalogue of `count` invented machines of one kind, with the file attributes of a user bank
 // of that kind: version 9000 saves as a sectioned bank, a version below it as a legacy one.
 inline CQZRMoldingMachineCtrl UserCatalogue(bool transferMoulding, int version, int count) {
-    CQZRMoldingMachineCtrl catalogue;
-    catalogue.SetFileVersion(version);
-    catalogue.SetFileFormat(1);
-    catalogue.SetFileType(transferMoulding ? 1 : 0);
+    CQZRMoldingMachineCtrl catalogue = AttributedCatalogue(version, 1, transferMoulding ? 1 : 0);
     catalogue.SetDatabaseInitialize(true);
     for (int seed = 0; seed < count; ++seed) {
         if (transferMoulding) {
