@@ -29,7 +29,7 @@ struct Row {
 void ExpectRows(const std::vector<Row>& rows) {
     for (const Row& row : rows) {
         SCOPED_TRACE(row.label);
-        const qzrbank_test::RunResult result = qzrbank_test::RunQzrbank(row.arguments, row.input);
+        const qzrbank_test::Output result = qzrbank_test::RunQzrbank(row.arguments, row.input);
         EXPECT_EQ(result.exitCode, row.exitCode) << result.out << result.err;
         if (row.stdoutPart.empty()) {
             EXPECT_EQ(result.out, "");
@@ -47,7 +47,7 @@ void ExpectRows(const std::vector<Row>& rows) {
 
 TEST(Cli, ExitCodesAndOneLineErrors) {
     const std::string shipped = qzrbank_test::ExamplesBank();
-    const std::string rowIdNotOne = qzrbank_test::ReadFile(ToolData("legacy_row_id_not_one.bnk"));
+    const std::string rowIdNotOne = qzrbank_test::ReadBytes(ToolData("legacy_row_id_not_one.bnk"));
     // clang-format off
     ExpectRows({
         {"list of the shipped banks", {"list"}, 0, " makers\n", ""},
@@ -97,10 +97,9 @@ TEST(Cli, UnreadableInputAndUnwritableOutputAreErrorsWithTheirReason) {
     GTEST_SKIP() << "FIFOs, /dev/zero, /dev/full and file modes are POSIX tricks";
 #else
     const qzrbank_test::TempFolder folder;
-    const std::string fifo = folder / "fifo.bnk";
+    const std::string fifo = folder.File("fifo.bnk");
     ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
-    const std::string locked = folder / "locked.bnk";
-    qzrbank_test::WriteFile(locked, "[Header]\n");
+    const std::string locked = folder.Write("locked.bnk", "[Header]\n");
     ::chmod(locked.c_str(), 0);
     // clang-format off
     std::vector<Row> rows = {
@@ -116,9 +115,9 @@ TEST(Cli, UnreadableInputAndUnwritableOutputAreErrorsWithTheirReason) {
                         "locked.bnk: Permission denied"});
     }
     ExpectRows(rows);
-    const std::string errors = folder / "err.txt";
+    const std::string errors = folder.File("err.txt");
     EXPECT_EQ(qzrbank_test::RunProcess({QZRBANK_EXE, "list"}, "/dev/null", "/dev/full", errors), 2);
-    EXPECT_EQ(qzrbank_test::ReadFile(errors),
+    EXPECT_EQ(qzrbank_test::ReadBytes(errors),
               "qzrbank: standard output: No space left on device\n");
 #endif
 }

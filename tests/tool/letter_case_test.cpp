@@ -11,7 +11,7 @@
 
 namespace {
 
-using qzrbank_test::ReadFile;
+using qzrbank_test::ReadBytes;
 using qzrbank_test::TempFolder;
 using qzrbank_test::ToolData;
 namespace fs = std::filesystem;
@@ -41,17 +41,15 @@ TEST(LetterCase, ListFindsEveryBankAndWarnsAboutEachName) {
         {"user-pro.bnk", "bank/USER-PRO.BNK"},
     };
     for (const auto& file : files) {
-        const fs::path copy = folder.Path() / file.copy;
-        fs::create_directories(copy.parent_path());
-        qzrbank_test::WriteFile(copy, ReadFile(fixture / file.fixture));
+        folder.Write(file.copy, ReadBytes(fixture / file.fixture));
     }
     std::string expectedErr;
     const std::string expected = List(ToolData("fixture"), &expectedErr);
     ASSERT_EQ(expectedErr, "");
 
     std::string err;
-    EXPECT_EQ(List(folder.Path().string(), &err), expected);
-    const fs::path bank = folder.Path() / "bank";
+    EXPECT_EQ(List(folder.Folder(), &err), expected);
+    const fs::path bank = fs::path(folder.Folder()) / "bank";
     const auto warning = [](const fs::path& path, const char* name) {
         return "qzrbank: " + path.string() + ": warning: found in place of " + name +
                " (names differ in letter case)\n";

@@ -1,25 +1,20 @@
-// Shared helpers of the qzrbank tests: fixture paths, temporary folders, files, and running the
-// built executable.
+// Shared helpers of the qzrbank tests: fixture paths, small user banks, the output of a command
+// function, and running the built executable.
 #ifndef QZRBANK_TESTS_TOOL_TEST_SUPPORT_H
 #define QZRBANK_TESTS_TOOL_TEST_SUPPORT_H
 
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <random>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
-#if defined(_WIN32)
-#ifndef WIN32_LEAN_AND_MEAN
-#define WIN32_LEAN_AND_MEAN
-#endif
-#ifndef NOMINMAX
-#define NOMINMAX
-#endif
-#include <windows.h>
-#else
+#include "TempFolder.h"
+#include "WindowsHeaders.h"
+
+#if !defined(_WIN32)
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -41,46 +36,53 @@ inline std::string ExamplesBank() {
     return std::string(QZR_EXAMPLES_DIR) + "/Bank";
 }
 
-inline std::string ReadFile(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
+using qzr::test::ReadBytes;
+using qzr::test::TempFolder;
 
-inline void WriteFile(const fs::path& path, const std::string& bytes) {
-    std::ofstream out(path, std::ios::binary);
-    out << bytes;
-}
-
-// A fresh folder under the system's temporary folder. Only a folder this object made itself is
-// removed at the end of the test, so a path gone wrong can never take other files with it.
-class TempFolder {
-  public:
-    TempFolder() {
-        std::random_device random;
-        const fs::path base = fs::temp_directory_path();
-        do {
-            m_path = base / ("qzrbank_test_" + std::to_string(random()) + std::to_string(random()));
-        } while (!fs::create_directory(m_path));
-    }
-    ~TempFolder() {
-        std::error_code error;
-        fs::remove_all(m_path, error);
-    }
-    TempFolder(const TempFolder&) = delete;
-    TempFolder& operator=(const TempFolder&) = delete;
-
-    const fs::path& Path() const { return m_path; }
-    std::string operator/(const std::string& name) const { return (m_path / name).string(); }
-
-  private:
-    fs::path m_path;
-};
-
-struct RunResult {
-    int exitCode = -1;  // the process's exit code; -1 when it did not exit normally
+// What a command printed and the exit code it returned.
+struct Output {
+    int exitCode = -1;  // -1 when the process did not exit normally
     std::string out;
     std::string err;
 };
+
+// Runs one of the command functions of Commands.h on captured output and errors.
+template <typename Command>
+Output Capture(const Command& command) {
+    std::ostringstream out;
+    std::ostringstream err;
+    const int code = command(out, err);
+    return {code, out.str(), err.str()};
+}
+
+struct BankMachine {
+    std::string maker;  // bank bytes
+    std::string grade;
+    double clampingForce = 0;
+    double shotWeight = 0;
+};
+
+// The text of a user bank holding the machines; every section has the same keys, so that no
+// machine takes a value from a later one.
+inline std::string UserBankText(const std::vector<BankMachine>& machines,
+                                const std::string& remark = "Test bank") {
+    std::string text = "[FileHeader]\nVersion = 9000\nFormat = 1\nType = 0\nRemark = " + remark +
+                       "\n\n[General]\nTotalMachine = " + std::to_string(machines.size()) + "\n";
+    for (size_t i = 0; i < machines.size(); ++i) {
+        const BankMachine& machine = machines[i];
+        text += "\n[Machine-" + std::to_string(i + 1) + "]\nMaker = " + machine.maker +
+                "\nGrade = " + machine.grade +
+                "\nClampingForce = " + std::to_string(machine.clampingForce) +
+                "\nShotWeight = " + std::to_string(machine.shotWeight) + "\n";
+    }
+    return text + "\n[EOF]\n";
+}
+
+// A Bank folder in folder whose User-IMM.bnk holds the machines; returns the file's path.
+inline std::string WriteUserBank(const TempFolder& folder, const std::vector<BankMachine>& machines,
+                                 const std::string& remark = "Test bank") {
+    return folder.Write("Bank/User-IMM.bnk", UserBankText(machines, remark));
+}
 
 #if defined(_WIN32)
 // One argument for a command line that the C runtime splits back into exactly that argument:
@@ -198,17 +200,15 @@ inline int RunProcess(const std::vector<std::string>& argv, const std::string& i
 // holds (no shell in between), with `input` on its standard input. Its output and errors are
 // read back in text mode, as a program of the platform reads a text file: the tool writes
 // them as text, CR LF on Windows, and the tests compare them with "\n" on every platform.
-inline RunResult RunQzrbank(const std::vector<std::string>& arguments,
-                            const std::string& input = "") {
-    TempFolder capture;
-    WriteFile(capture.Path() / "in.txt", input);
+inline Output RunQzrbank(const std::vector<std::string>& arguments, const std::string& input = "") {
+    const TempFolder capture;
+    const std::string in = capture.Write("in.txt", input);
     std::vector<std::string> argv = {QZRBANK_EXE};
     argv.insert(argv.end(), arguments.begin(), arguments.end());
-    RunResult result;
-    result.exitCode =
-        RunProcess(argv, capture / "in.txt", capture / "out.txt", capture / "err.txt");
+    Output result;
+    result.exitCode = RunProcess(argv, in, capture.File("out.txt"), capture.File("err.txt"));
     const auto readText = [&capture](const char* name) {
-        std::ifstream in(capture / name);
+        std::ifstream in(capture.File(name));
         return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
     };
     result.out = readText("out.txt");
