@@ -128,6 +128,22 @@ TEST(Convert, TextsThatBreakALegacyRowAreCaughtBeforeWriting) {
     EXPECT_NE(marker.out.find("holds \"Version\""), std::string::npos) << marker.out;
 }
 
+// A row the loader skips on the way in never reaches the catalogue: the write names it and,
+// without --allow-loss, writes nothing.
+TEST(Convert, WhatTheLoaderSkipsOnTheWayInIsALoss) {
+    const TempFolder folder;
+    const std::string input = ToolData("legacy_too_few_fields.bnk");
+    const Output refused = Convert(input, folder.File("out.bnk"), false);
+    EXPECT_EQ(refused.exitCode, 1);
+    EXPECT_NE(refused.out.find(":10: not read from the input: the row has too few fields"),
+              std::string::npos)
+        << refused.out;
+    EXPECT_NE(refused.err.find("(1 part of the input the loader skipped)"), std::string::npos)
+        << refused.err;
+    EXPECT_FALSE(folder.Exists("out.bnk"));
+    EXPECT_EQ(Convert(input, folder.File("out.bnk")).exitCode, 0);
+}
+
 TEST(Write, RefusalsWriteNothing) {
     const TempFolder folder;
     const std::string bank = ExamplesBank();

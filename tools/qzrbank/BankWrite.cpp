@@ -211,7 +211,8 @@ std::string Summary(const Losses& losses, BankFormat format) {
     add(losses.notCarried,
         std::string("with attributes a ") + FormatName(format) + " does not carry");
     add(losses.extra, "read back though not written");
-    add(losses.notRead, "things of the input not read");
+    add(losses.notRead, losses.notRead == 1 ? "part of the input the loader skipped"
+                                            : "parts of the input the loader skipped");
     return std::to_string(losses.Intact()) + " of " + Machines(losses.written) +
            " read back intact" + (details.empty() ? "" : " (" + Joined(details, ", ") + ")");
 }
