@@ -10,6 +10,7 @@
 #include "Commands.h"
 #include "TemporaryFolder.h"
 #include "bank/BankKind.h"
+#include "bank/legacy/LegacyMarkers.h"
 
 namespace qzrbank {
 
@@ -104,18 +105,19 @@ void AddTextHazards(BankFormat format, const char* attribute, const std::string&
         hazards->push_back(named + " holds a comma: the legacy row splits it");
     }
     struct Marker {
-        const char* text;
+        std::string_view text;
         const char* effect;
     };
     const Marker markers[] = {
-        {"Version", "the loader takes the row for a version line"},
-        {"TotalNo", "a legacy user bank with this row fails to load"},
-        {"Database]", "the loader takes the row for the database marker"},
-        {"[EOF]", "the loader stops reading at this row"},
+        {qzr::legacy::kVersionMarker, "the loader takes the row for a version line"},
+        {qzr::legacy::kTotalNoMarker, "a legacy user bank with this row fails to load"},
+        {qzr::legacy::kUserDatabaseMarker, "the loader takes the row for the database marker"},
+        {qzr::legacy::kEndMarker, "the loader stops reading at this row"},
     };
     for (const Marker& marker : markers) {
         if (value.find(marker.text) != std::string::npos) {
-            hazards->push_back(named + " holds " + Quoted(marker.text) + ": " + marker.effect);
+            hazards->push_back(named + " holds " + Quoted(std::string(marker.text)) + ": " +
+                               marker.effect);
         }
     }
 }

@@ -11,6 +11,7 @@
 #include "bank/BankKind.h"
 #include "bank/LoadObserver.h"
 #include "bank/QZRMoldingMachineReader.h"
+#include "bank/legacy/LegacyMarkers.h"
 #include "bank/legacy/LegacyRowLayout.h"
 #include "bank/legacy/LegacyRowParser.h"
 #include "catalogue/QZRMoldingMachineCtrlAccess.h"
@@ -49,8 +50,6 @@ LegacyRowLayout UserRowLayout(int fileVersion) {
 // What tells the two loaders apart; the scan itself is common.
 struct LegacyBankRules {
     int bankKind;
-    // The system banks mark their rows with "[Database]"; the user loader has always looked
-    // for "Database]" only, so "[IMMDatabase]" opens a user bank's rows too.
     std::string_view databaseMarker;
     bool endAtEofAfterMarker;
     bool failOnTotalNo;
@@ -58,10 +57,10 @@ struct LegacyBankRules {
     LegacyRowLayout (*rowLayout)(int fileVersion);
 };
 
-constexpr LegacyBankRules kSystemBankRules = {OldIMMSystemBank, "[Database]", false, false, false,
-                                              &SystemRowLayout};
-constexpr LegacyBankRules kUserBankRules = {OldIMMUserBank, "Database]", true,
-                                            true,           true,        &UserRowLayout};
+constexpr LegacyBankRules kSystemBankRules = {
+    OldIMMSystemBank, kSystemDatabaseMarker, false, false, false, &SystemRowLayout};
+constexpr LegacyBankRules kUserBankRules = {OldIMMUserBank, kUserDatabaseMarker, true, true,
+                                            true,           &UserRowLayout};
 
 // White space as "%s" sees it in the "C" locale.
 bool IsCSpace(char c) {
@@ -96,11 +95,11 @@ class LegacyBankScan {
   private:
     bool Scan() {
         while (ReadLine()) {
-            if (Contains("[EOF]")) {
+            if (Contains(kEndMarker)) {
                 Tell(bank::LegacyLine::kEndMarker);
                 break;
             }
-            if (Contains("[Header]")) {
+            if (Contains(kHeaderMarker)) {
                 m_headerSeen = true;
             }
             if (Contains(m_rules.databaseMarker)) {
@@ -110,16 +109,16 @@ class LegacyBankScan {
                 if (!ReadLine()) {
                     break;
                 }
-                if (m_rules.endAtEofAfterMarker && Contains("[EOF]")) {
+                if (m_rules.endAtEofAfterMarker && Contains(kEndMarker)) {
                     Tell(bank::LegacyLine::kEndMarker);
                     break;
                 }
             }
-            if (m_headerSeen && Contains("Version")) {
+            if (m_headerSeen && Contains(kVersionMarker)) {
                 ReadVersionLine();
                 Tell(bank::LegacyLine::kVersionLine);
             }
-            if (m_headerSeen && Contains("TotalNo")) {
+            if (m_headerSeen && Contains(kTotalNoMarker)) {
                 if (m_rules.failOnTotalNo) {
                     Tell(bank::LegacyLine::kTotalNoLine);
                     return false;
@@ -136,7 +135,7 @@ class LegacyBankScan {
                     Tell(bank::LegacyLine::kRowIdNotOne);
                 }
             }
-            if (m_file.AtEnd() || Contains("[EOF]")) {
+            if (m_file.AtEnd() || Contains(kEndMarker)) {
                 break;
             }
         }
