@@ -1,15 +1,11 @@
 #include "platform/TextLineReader.h"
 
 #include <algorithm>
-#include <vector>
+#include <cstring>
+
+#include "platform/TextModeTranslator.h"
 
 namespace qzr::platform {
-
-namespace {
-
-constexpr size_t kChunkSize = 64 * 1024;
-
-}  // namespace
 
 size_t NextLineLength(std::string_view text, size_t maxChars) {
     const size_t limit = std::min(text.size(), maxChars);
@@ -28,12 +24,19 @@ bool TextLineReader::ReadLine(std::string* line, size_t maxChars) {
     if (line == nullptr) {
         return false;
     }
-    line->clear();
+    std::string_view piece;
+    const bool read = ReadPiece(&piece, maxChars);
+    line->assign(piece.data(), piece.size());
+    return read;
+}
+
+bool TextLineReader::ReadPiece(std::string_view* piece, size_t maxChars) {
+    *piece = {};
     if (!m_file || maxChars == 0) {
         return false;
     }
     for (;;) {
-        const std::string_view pending(m_buffer.data() + m_pos, m_buffer.size() - m_pos);
+        const std::string_view pending(m_buffer.data() + m_pos, m_textEnd - m_pos);
         const size_t length = NextLineLength(pending, maxChars);
         const bool complete = length > 0 && (pending[length - 1] == '\n' || length == maxChars);
         if (complete || m_fileExhausted) {
@@ -44,7 +47,7 @@ bool TextLineReader::ReadLine(std::string* line, size_t maxChars) {
             // A piece cut short by the end of the file has read up to that end, as fgets
             // does, so AtEnd() turns true with it.
             m_atEnd = !complete;
-            line->assign(pending.data(), length);
+            *piece = pending.substr(0, length);
             m_pos += length;
             CountLine(pending[length - 1] == '\n');
             return true;
@@ -66,21 +69,26 @@ bool TextLineReader::AtEnd() const {
 }
 
 void TextLineReader::Refill() {
-    m_buffer.erase(0, m_pos);
-    m_pos = 0;
-    if (m_chunk.empty()) {
-        m_chunk.resize(kChunkSize);
+    const size_t kept = m_textEnd - m_pos + (m_heldCr ? 1 : 0);
+    if (m_pos != 0) {
+        std::memmove(m_buffer.data(), m_buffer.data() + m_pos, kept);
+        m_textEnd -= m_pos;
+        m_pos = 0;
     }
-    const size_t got = m_file->Read(m_chunk.data(), m_chunk.size());
-    if (got == 0) {
-        m_translator.Finish(&m_buffer);
-        m_fileExhausted = true;
-        return;
+    const size_t chunk = m_buffer.empty() ? kFirstChunkSize : kChunkSize;
+    if (m_buffer.size() < kept + chunk) {
+        m_buffer.resize(kept + chunk);
     }
-    m_translator.Feed(m_chunk.data(), got, &m_buffer);
-    if (m_translator.Ended()) {
-        m_fileExhausted = true;
+    const size_t got = m_file->Read(m_buffer.data() + kept, chunk);
+    // The held CR, if any, goes through the translation again in front of the new bytes.
+    const TextModeTranslation translation =
+        TranslateTextMode(m_buffer.data() + m_textEnd, kept - m_textEnd + got, got != 0);
+    m_textEnd += translation.length;
+    m_heldCr = translation.heldCr;
+    if (m_heldCr) {
+        m_buffer[m_textEnd] = '\r';  // right behind the text, where the next read continues
     }
+    m_fileExhausted = got == 0 || translation.ended;
 }
 
 }  // namespace qzr::platform

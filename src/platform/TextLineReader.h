@@ -12,7 +12,6 @@
 #include <vector>
 
 #include "platform/Env.h"
-#include "platform/TextModeTranslator.h"
 
 namespace qzr::platform {
 
@@ -30,6 +29,8 @@ class TextLineReader {
     // Like fgets with a buffer of maxChars + 1: the next line piece (at most maxChars
     // characters, the LF included when it fits) replaces *line. False when nothing is left.
     bool ReadLine(std::string* line, size_t maxChars);
+    // The same piece as a view into the reader's buffer, valid until the next read.
+    bool ReadPiece(std::string_view* piece, size_t maxChars);
     // Like feof: true once a read has reached the end of the file (or its Ctrl-Z).
     bool AtEnd() const;
     // The number (from 1) of the line the last piece belongs to, and whether that piece
@@ -37,17 +38,25 @@ class TextLineReader {
     long LineNumber() const { return m_lineOfPiece; }
     bool PieceWasCut() const { return m_pieceWasCut; }
 
+    // Raw bytes the first read asks for: enough for the header of a bank, so that a reader
+    // that looks at a few lines only reads a little; every later read asks for kChunkSize.
+    static constexpr size_t kFirstChunkSize = 4 * 1024;
+    static constexpr size_t kChunkSize = 64 * 1024;
+
   private:
-    // Reads the next raw chunk and appends its translation to m_buffer.
+    // Moves the text not handed out yet to the buffer's start, reads the next raw chunk
+    // behind it and translates that in place.
     void Refill();
     // Numbers the piece just handed out.
     void CountLine(bool endsWithLineFeed);
 
     std::unique_ptr<ReadableFile> m_file;
-    TextModeTranslator m_translator;
-    std::vector<char> m_chunk;  // raw bytes of the last read
-    std::string m_buffer;       // translated characters not yet handed out
+    // [0, m_pos) handed out, [m_pos, m_textEnd) translated and not handed out yet, then a CR
+    // whose translation waits for the next chunk when m_heldCr.
+    std::vector<char> m_buffer;
     size_t m_pos = 0;
+    size_t m_textEnd = 0;
+    bool m_heldCr = false;
     bool m_fileExhausted = false;
     bool m_atEnd = false;
     long m_lineOfPiece = 0;

@@ -12,6 +12,7 @@
 #include "TempFolder.h"
 #include "platform/EnvWrapper.h"
 #include "platform/TextLineReader.h"
+#include "platform/TextModeTranslator.h"
 #include "platform/TextWriter.h"
 
 namespace qzr::platform {
@@ -63,7 +64,8 @@ Pieces ReaderPieces(const std::string& path, size_t maxChars) {
 // The reader splits a bank file as fgets splits its naive translation, and the translator fed in
 // pieces of 1 and 3 bytes (a CR on every possible chunk edge) gives that translation too.
 TEST(TextLineReader, ReadsLikeFgetsOverTheNaiveTranslation) {
-    constexpr size_t kChunk = 64 * 1024;  // the reader's chunk size
+    constexpr size_t kFirst = TextLineReader::kFirstChunkSize;  // the reader's chunk edges
+    constexpr size_t kChunk = TextLineReader::kChunkSize;
     const auto k = [](size_t length) { return std::string(length, 'k'); };
     const std::pair<const char*, std::string> rows[] = {
         {"empty", ""},
@@ -72,9 +74,9 @@ TEST(TextLineReader, ReadsLikeFgetsOverTheNaiveTranslation) {
         {"Ctrl-Z ends the file", "a\r\nb\032c\r\n"},
         {"CR before Ctrl-Z", "a\r\032\n"},
         {"NUL bytes", std::string("a\0b\r\n\0\r\n", 8)},
-        {"CR LF across the chunk edge", k(kChunk - 1) + "\r\nend"},
-        {"lone CR at the chunk edge", k(kChunk - 1) + "\ry"},
-        {"Ctrl-Z after the chunk edge", k(kChunk) + "\032tail"},
+        {"CR LF across both chunk edges", k(kFirst - 1) + "\r\n" + k(kChunk - 2) + "\r\nend"},
+        {"lone CR at the second chunk edge", k(kFirst + kChunk - 1) + "\ry"},
+        {"CR then Ctrl-Z across the chunk edge", k(kFirst - 1) + "\r\032tail"},
         {"lines around 511", k(510) + "\r\n" + k(511) + "\r\n" + k(512) + "\r\n"},
         {"around 1023, long last",
          k(1022) + "\r\n" + k(1023) + "\r\n" + k(1024) + "\r\n" + k(1500)},
@@ -92,12 +94,19 @@ TEST(TextLineReader, ReadsLikeFgetsOverTheNaiveTranslation) {
                 << label << ", at most " << maxChars;
         }
         for (size_t piece : {1u, 3u}) {
-            TextModeTranslator translator;
             std::string text;
-            for (size_t pos = 0; pos < raw.size(); pos += piece) {
-                translator.Feed(raw.data() + pos, std::min(piece, raw.size() - pos), &text);
+            std::string bytes;  // a held CR, then the next raw piece
+            for (size_t pos = 0;; pos += piece) {
+                const std::string next = raw.substr(std::min(pos, raw.size()), piece);
+                bytes += next;
+                const auto translation =
+                    TranslateTextMode(bytes.data(), bytes.size(), !next.empty());
+                text.append(bytes, 0, translation.length);
+                bytes = translation.heldCr ? "\r" : "";
+                if (next.empty() || translation.ended) {
+                    break;
+                }
             }
-            translator.Finish(&text);
             EXPECT_EQ(text, expected) << label << ", fed by " << piece;
         }
     }
