@@ -16,7 +16,11 @@ constexpr std::string_view kMachineSectionPrefix = "[Machine-";
 
 SectionedBankIndex::SectionedBankIndex(const std::string& path, std::vector<std::string> keys,
                                        bool withLines)
-    : m_keys(std::move(keys)), m_firstPending(m_keys.size(), 0), m_withLines(withLines) {
+    : m_keys(std::move(keys)),
+      m_slotAfter(m_keys.size() + 1, kNone),
+      m_lastSlot(static_cast<uint32_t>(m_keys.size())),
+      m_firstPending(m_keys.size(), 0),
+      m_withLines(withLines) {
     for (size_t slot = 0; slot < m_keys.size(); ++slot) {
         const size_t length = m_keys[slot].size();
         if (m_slotsByLength.size() <= length) {
@@ -30,8 +34,8 @@ SectionedBankIndex::SectionedBankIndex(const std::string& path, std::vector<std:
 void SectionedBankIndex::ReadFile(const std::string& path) {
     qzr::platform::TextLineReader file(path);
     m_open = file.IsOpen();
-    std::string piece;
-    while (file.ReadLine(&piece, kSectionedLineChars)) {
+    std::string_view piece;
+    while (file.ReadPiece(&piece, kSectionedLineChars)) {
         if (m_withLines) {
             m_line = file.LineNumber();
             if (file.PieceWasCut() && (m_cutLines.empty() || m_cutLines.back() != m_line)) {
@@ -55,7 +59,23 @@ void SectionedBankIndex::AddLine(std::string_view piece) {
     }
 }
 
-uint32_t SectionedBankIndex::KeySlot(std::string_view token) const {
+// The sections of a bank mostly hold their keys in one order, so the key that followed the
+// previous key line the last time is tried first.
+uint32_t SectionedBankIndex::KeySlot(std::string_view token) {
+    const uint32_t expected = m_slotAfter[m_lastSlot];
+    if (expected != kNone && m_keys[expected] == token) {
+        m_lastSlot = expected;
+        return expected;
+    }
+    const uint32_t slot = LookUpKeySlot(token);
+    if (slot != kNone) {
+        m_slotAfter[m_lastSlot] = slot;
+        m_lastSlot = slot;
+    }
+    return slot;
+}
+
+uint32_t SectionedBankIndex::LookUpKeySlot(std::string_view token) const {
     if (token.size() >= m_slotsByLength.size()) {
         return kNone;
     }
@@ -169,22 +189,16 @@ int SectionedBankIndex::GetKeyString(long machineNumber, size_t keySlot, const c
     if (!m_open) {
         return CQZRFileIO::kCannotOpen;
     }
-    if (machineNumber < 1 || static_cast<size_t>(machineNumber) >= m_orderOfSection.size() ||
-        keySlot >= m_keys.size()) {
-        return CQZRFileIO::kNotFound;
-    }
-    const uint32_t order = m_orderOfSection[static_cast<size_t>(machineNumber)];
+    const Section section = FindSection(machineNumber);
+    return keySlot < m_keys.size() ? section.GetKeyString(keySlot, value) : CQZRFileIO::kNotFound;
+}
+
+SectionedBankIndex::Section SectionedBankIndex::FindSection(long machineNumber) const {
+    const uint32_t order = OrderOf(machineNumber);
     if (order == kNone) {
-        return CQZRFileIO::kNotFound;
+        return Section(nullptr, nullptr);
     }
-    const uint32_t offset = m_answers[order * m_keys.size() + keySlot];
-    if (offset == kNone) {
-        return CQZRFileIO::kNotFound;
-    }
-    if (value != nullptr) {
-        *value = m_values.c_str() + offset;
-    }
-    return CQZRFileIO::kFound;
+    return Section(m_answers.data() + order * m_keys.size(), m_values.c_str());
 }
 
 }  // namespace qzr::bank

@@ -18,6 +18,8 @@
 #include <string_view>
 #include <vector>
 
+#include "bank/sectioned/QZRFileIO.h"
+
 namespace qzr::bank {
 
 class SectionedBankIndex {
@@ -39,6 +41,32 @@ class SectionedBankIndex {
     // to a text owned by the index, valid as long as the index.
     int GetKeyString(long machineNumber, size_t keySlot, const char** value) const;
 
+    // The answers of one section, for a caller that looks up every key of it.
+    class Section {
+      public:
+        // GetKeyString of the index for this section (keySlot below the index's key count).
+        int GetKeyString(size_t keySlot, const char** value) const {
+            const uint32_t offset = m_answers != nullptr ? m_answers[keySlot] : kNone;
+            if (offset == kNone) {
+                return CQZRFileIO::kNotFound;
+            }
+            if (value != nullptr) {
+                *value = m_values + offset;
+            }
+            return CQZRFileIO::kFound;
+        }
+
+      private:
+        friend class SectionedBankIndex;
+        Section(const uint32_t* answers, const char* values)
+            : m_answers(answers), m_values(values) {}
+        const uint32_t* m_answers;  // per key slot, or null for a section the file lacks
+        const char* m_values;
+    };
+    // The section "[Machine-%ld]" of machineNumber (any number; one the file lacks finds
+    // nothing). Valid as long as the index.
+    Section FindSection(long machineNumber) const;
+
     // With withLines only (0 otherwise): the line of the section's first header, the line of
     // the answer to a key, and that line again only when it lies beyond the next section's
     // header.
@@ -57,7 +85,8 @@ class SectionedBankIndex {
     void ReadFile(const std::string& path);
     void AddLine(std::string_view piece);
     // The key slot whose key is token, or kNone.
-    uint32_t KeySlot(std::string_view token) const;
+    uint32_t KeySlot(std::string_view token);
+    uint32_t LookUpKeySlot(std::string_view token) const;
     // n when token is "[Machine-n]" exactly as "%ld" writes n, with n in 1..kMaxMachineSection;
     // otherwise 0.
     static long MachineSectionNumber(std::string_view token);
@@ -68,6 +97,10 @@ class SectionedBankIndex {
     // Key slots by the length of their key, so that a line's token is compared with the few
     // keys of its length only.
     std::vector<std::vector<uint32_t>> m_slotsByLength;
+    // Per key slot (and one more for the start of the file): the slot of the key line that
+    // followed it the last time, or kNone; and the slot of the latest key line.
+    std::vector<uint32_t> m_slotAfter;
+    uint32_t m_lastSlot;
     bool m_open = false;
     // Sections in the order their first header line appears, by machine number.
     std::vector<uint32_t> m_sectionsInOrder;

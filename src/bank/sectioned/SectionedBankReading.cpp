@@ -38,8 +38,9 @@ bool ParseIndexedSection(const MachineSectionFormat<Record>& format,
     if (!index.IsOpen()) {
         return false;
     }
-    const auto lookup = [&index, number](size_t slot, const char*, const char** value) {
-        return index.GetKeyString(number, slot, value);
+    const SectionedBankIndex::Section section = index.FindSection(number);
+    const auto lookup = [&section](size_t slot, const char*, const char** value) {
+        return section.GetKeyString(slot, value);
     };
     return qzr::bank::FillMachineSection(format, lookup, machine, notConverted);
 }
