@@ -46,10 +46,20 @@ void SectionedBankIndex::ReadFile(const std::string& path) {
     }
 }
 
+// The sections of a bank mostly hold their keys in one order, so the key that followed the
+// previous key line the last time is tried first, before the line's token is even looked for.
 void SectionedBankIndex::AddLine(std::string_view piece) {
+    const uint32_t expected = m_slotAfter[m_lastSlot];
+    if (expected != kNone && IsTokenOf(piece, m_keys[expected])) {
+        m_lastSlot = expected;
+        AnswerPending(expected, piece);
+        return;
+    }
     const std::string_view token = SectionedLineToken(piece);
     const uint32_t slot = KeySlot(token);
     if (slot != kNone) {
+        m_slotAfter[m_lastSlot] = slot;
+        m_lastSlot = slot;
         AnswerPending(slot, piece);
         return;
     }
@@ -59,23 +69,12 @@ void SectionedBankIndex::AddLine(std::string_view piece) {
     }
 }
 
-// The sections of a bank mostly hold their keys in one order, so the key that followed the
-// previous key line the last time is tried first.
-uint32_t SectionedBankIndex::KeySlot(std::string_view token) {
-    const uint32_t expected = m_slotAfter[m_lastSlot];
-    if (expected != kNone && m_keys[expected] == token) {
-        m_lastSlot = expected;
-        return expected;
-    }
-    const uint32_t slot = LookUpKeySlot(token);
-    if (slot != kNone) {
-        m_slotAfter[m_lastSlot] = slot;
-        m_lastSlot = slot;
-    }
-    return slot;
+bool SectionedBankIndex::IsTokenOf(std::string_view piece, const std::string& key) {
+    return piece.size() >= key.size() && piece.compare(0, key.size(), key) == 0 &&
+           (piece.size() == key.size() || EndsSectionedLineToken(piece[key.size()]));
 }
 
-uint32_t SectionedBankIndex::LookUpKeySlot(std::string_view token) const {
+uint32_t SectionedBankIndex::KeySlot(std::string_view token) const {
     if (token.size() >= m_slotsByLength.size()) {
         return kNone;
     }
@@ -139,10 +138,16 @@ void SectionedBankIndex::AnswerPending(uint32_t slot, std::string_view piece) {
     // Every section opened since the previous line with this key finds its value here. At
     // most kMaxMachineSection sections times the keys of a kind, each value shorter than a
     // line piece, so the offsets always fit in 32 bits.
-    const std::string_view value = SectionedEntryValue(piece);
+    const std::string_view value = SectionedEntryValue(piece, m_keys[slot].size());
     const uint32_t offset = static_cast<uint32_t>(m_values.size());
-    m_values.append(value);
-    m_values.push_back('\0');
+    if (!value.empty() && value.data() + value.size() != piece.data() + piece.size()) {
+        // The LF or NUL that ends the value comes along and becomes its terminator.
+        m_values.append(value.data(), value.size() + 1);
+        m_values.back() = '\0';
+    } else {
+        m_values.append(value);
+        m_values.push_back('\0');
+    }
     for (size_t order = firstPending; order < sectionCount; ++order) {
         m_answers[order * m_keys.size() + slot] = offset;
         if (m_withLines) {

@@ -85,8 +85,9 @@ class SectionedBankIndex {
     void ReadFile(const std::string& path);
     void AddLine(std::string_view piece);
     // The key slot whose key is token, or kNone.
-    uint32_t KeySlot(std::string_view token);
-    uint32_t LookUpKeySlot(std::string_view token) const;
+    uint32_t KeySlot(std::string_view token) const;
+    // Whether key is the token of piece.
+    static bool IsTokenOf(std::string_view piece, const std::string& key);
     // n when token is "[Machine-n]" exactly as "%ld" writes n, with n in 1..kMaxMachineSection;
     // otherwise 0.
     static long MachineSectionNumber(std::string_view token);

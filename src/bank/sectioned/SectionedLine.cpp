@@ -1,21 +1,33 @@
 #include "bank/sectioned/SectionedLine.h"
 
 #include <array>
+#include <cstdint>
 #include <cstring>
 
 namespace qzr::bank {
 
 namespace {
 
-// The bytes that end a line token: space, tab, "=", LF, and the NUL that ends the C string the
-// line was read into.
 constexpr std::array<bool, 256> kEndsToken = [] {
     std::array<bool, 256> ends{};
-    for (const char c : {' ', '\t', '=', '\n', '\0'}) {
-        ends[static_cast<unsigned char>(c)] = true;
+    for (size_t c = 0; c < ends.size(); ++c) {
+        ends[c] = EndsSectionedLineToken(static_cast<char>(c));
     }
     return ends;
 }();
+
+// The value that begins after the "=": the spaces after it passed over, up to the LF that
+// ends the piece or the first NUL.
+std::string_view ValueAfterEquals(const char* value, const char* end) {
+    while (value != end && *value == ' ') {
+        ++value;
+    }
+    const char* stop = value != end && end[-1] == '\n' ? end - 1 : end;
+    if (const void* nul = std::memchr(value, '\0', static_cast<size_t>(stop - value))) {
+        stop = static_cast<const char*>(nul);
+    }
+    return std::string_view(value, static_cast<size_t>(stop - value));
+}
 
 }  // namespace
 
@@ -46,15 +58,27 @@ std::string_view SectionedEntryValue(std::string_view piece) {
                                                              piece.data())) != nullptr) {
         return {};
     }
-    const char* value = static_cast<const char*>(equals) + 1;
-    while (value != end && *value == ' ') {
-        ++value;
+    return ValueAfterEquals(static_cast<const char*>(equals) + 1, end);
+}
+
+// Lines mostly hold the "=" after the blanks that pad their key, none of which is a NUL.
+std::string_view SectionedEntryValue(std::string_view piece, size_t tokenLength) {
+    const char* const end = piece.data() + piece.size();
+    const char* equals = piece.data() + tokenLength;
+    constexpr uint64_t kEightSpaces = 0x2020202020202020u;
+    for (uint64_t eight = 0; end - equals >= 8; equals += 8) {
+        std::memcpy(&eight, equals, sizeof eight);
+        if (eight != kEightSpaces) {
+            break;
+        }
     }
-    const char* stop = value;
-    while (stop != end && *stop != '\n' && *stop != '\0') {
-        ++stop;
+    while (equals != end && *equals == ' ') {
+        ++equals;
     }
-    return std::string_view(value, static_cast<size_t>(stop - value));
+    if (equals == end || *equals != '=') {
+        return SectionedEntryValue(piece);
+    }
+    return ValueAfterEquals(equals + 1, end);
 }
 
 }  // namespace qzr::bank
