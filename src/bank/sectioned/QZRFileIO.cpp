@@ -2,7 +2,6 @@
 
 #include <cstring>
 #include <string_view>
-#include <utility>
 
 #include "bank/sectioned/SectionedLine.h"
 #include "platform/CNumbers.h"
@@ -47,8 +46,8 @@ bool CQZRFileIO::FindKeyLine(qzr::platform::TextLineReader& file, const char* se
     const std::string_view sectionName(section);
     const std::string_view keyName(key);
     bool insideSection = false;
-    std::string line;
-    while (file.ReadLine(&line, qzr::bank::kSectionedLineChars)) {
+    std::string_view line;
+    while (file.ReadPiece(&line, qzr::bank::kSectionedLineChars)) {
         const std::string_view token = qzr::bank::SectionedLineToken(line);
         if (!insideSection) {
             // The header line itself is never compared with the key.
@@ -56,7 +55,7 @@ bool CQZRFileIO::FindKeyLine(qzr::platform::TextLineReader& file, const char* se
             continue;
         }
         if (token == keyName) {
-            *keyLine = std::move(line);
+            keyLine->assign(line.data(), line.size());
             return true;
         }
     }
