@@ -120,12 +120,14 @@ void SectionedBankIndex::OpenSection(long machineNumber) {
         return;
     }
     m_orderOfSection[number] = static_cast<uint32_t>(m_sectionsInOrder.size());
+    if (m_sectionsInOrder.size() % kSectionBlockSize == 0) {
+        m_answerBlocks.emplace_back(kSectionBlockSize * m_keys.size(), kNone);
+    }
     m_sectionsInOrder.push_back(static_cast<uint32_t>(number));
-    m_answers.resize(m_answers.size() + m_keys.size(), kNone);
     if (m_withLines) {
         m_sectionLines.push_back(m_line);
-        m_answerLines.resize(m_answers.size(), 0);
-        m_laterLines.resize(m_answers.size(), 0);
+        m_answerLines.resize(m_sectionsInOrder.size() * m_keys.size(), 0);
+        m_laterLines.resize(m_answerLines.size(), 0);
     }
 }
 
@@ -135,21 +137,12 @@ void SectionedBankIndex::AnswerPending(uint32_t slot, std::string_view piece) {
     if (firstPending == sectionCount) {
         return;
     }
-    // Every section opened since the previous line with this key finds its value here. At
-    // most kMaxMachineSection sections times the keys of a kind, each value shorter than a
-    // line piece, so the offsets always fit in 32 bits.
+    // Every section opened since the previous line with this key finds its value here.
     const std::string_view value = SectionedEntryValue(piece, m_keys[slot].size());
-    const uint32_t offset = static_cast<uint32_t>(m_values.size());
-    if (!value.empty() && value.data() + value.size() != piece.data() + piece.size()) {
-        // The LF or NUL that ends the value comes along and becomes its terminator.
-        m_values.append(value.data(), value.size() + 1);
-        m_values.back() = '\0';
-    } else {
-        m_values.append(value);
-        m_values.push_back('\0');
-    }
+    const uint32_t offset = KeepValue(
+        value, !value.empty() && value.data() + value.size() != piece.data() + piece.size());
     for (size_t order = firstPending; order < sectionCount; ++order) {
-        m_answers[order * m_keys.size() + slot] = offset;
+        Answer(order, slot) = offset;
         if (m_withLines) {
             m_answerLines[order * m_keys.size() + slot] = m_line;
             // Every section opened before the latest one lacks the key itself.
@@ -159,6 +152,26 @@ void SectionedBankIndex::AnswerPending(uint32_t slot, std::string_view piece) {
         }
     }
     firstPending = static_cast<uint32_t>(sectionCount);
+}
+
+// At most kMaxMachineSection sections times the keys of a kind are kept, each shorter than a
+// line piece, so that every block number fits the offset's upper 16 bits.
+uint32_t SectionedBankIndex::KeepValue(std::string_view value, bool terminatorFollows) {
+    if (m_valueBlocks.empty() || m_valueBlocks.back().size() + value.size() >= kValueBlockSize) {
+        m_valueBlocks.emplace_back();
+        m_valueBlocks.back().reserve(kValueBlockSize);
+    }
+    std::string& block = m_valueBlocks.back();
+    const size_t position = block.size();
+    if (terminatorFollows) {
+        // The LF or NUL that ends the value comes along and becomes its terminator.
+        block.append(value.data(), value.size() + 1);
+        block.back() = '\0';
+    } else {
+        block.append(value);
+        block.push_back('\0');
+    }
+    return static_cast<uint32_t>((m_valueBlocks.size() - 1) << kValueBlockBits | position);
 }
 
 uint32_t SectionedBankIndex::OrderOf(long machineNumber) const {
@@ -203,7 +216,9 @@ SectionedBankIndex::Section SectionedBankIndex::FindSection(long machineNumber) 
     if (order == kNone) {
         return Section(nullptr, nullptr);
     }
-    return Section(m_answers.data() + order * m_keys.size(), m_values.c_str());
+    return Section(m_answerBlocks[order >> kSectionBlockBits].data() +
+                       (order & (kSectionBlockSize - 1)) * m_keys.size(),
+                   m_valueBlocks.data());
 }
 
 }  // namespace qzr::bank

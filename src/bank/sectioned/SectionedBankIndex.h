@@ -51,17 +51,17 @@ class SectionedBankIndex {
                 return CQZRFileIO::kNotFound;
             }
             if (value != nullptr) {
-                *value = m_values + offset;
+                *value = ValueAt(m_valueBlocks, offset);
             }
             return CQZRFileIO::kFound;
         }
 
       private:
         friend class SectionedBankIndex;
-        Section(const uint32_t* answers, const char* values)
-            : m_answers(answers), m_values(values) {}
+        Section(const uint32_t* answers, const std::string* valueBlocks)
+            : m_answers(answers), m_valueBlocks(valueBlocks) {}
         const uint32_t* m_answers;  // per key slot, or null for a section the file lacks
-        const char* m_values;
+        const std::string* m_valueBlocks;
     };
     // The section "[Machine-%ld]" of machineNumber (any number; one the file lacks finds
     // nothing). Valid as long as the index.
@@ -78,6 +78,26 @@ class SectionedBankIndex {
 
   private:
     static constexpr uint32_t kNone = UINT32_MAX;
+    // The index grows in blocks that are never moved, each small enough to come from the
+    // allocator's free memory rather than from pages mapped afresh for every load: the
+    // values in blocks of 64 KiB (a value offset is its block's number, then its position),
+    // the answers in blocks of 256 sections.
+    static constexpr unsigned kValueBlockBits = 16;
+    static constexpr size_t kValueBlockSize = size_t{1} << kValueBlockBits;
+    static constexpr unsigned kSectionBlockBits = 8;
+    static constexpr size_t kSectionBlockSize = size_t{1} << kSectionBlockBits;
+
+    static const char* ValueAt(const std::string* valueBlocks, uint32_t offset) {
+        return valueBlocks[offset >> kValueBlockBits].data() + (offset & (kValueBlockSize - 1));
+    }
+    // The answer to the key at slot for the section at order (in order of appearance).
+    uint32_t& Answer(size_t order, size_t slot) {
+        return m_answerBlocks[order >> kSectionBlockBits]
+                             [(order & (kSectionBlockSize - 1)) * m_keys.size() + slot];
+    }
+    // Keeps value, followed by a NUL, in the value blocks and returns its offset. With
+    // terminatorFollows, the character after the value can be copied as the terminator.
+    uint32_t KeepValue(std::string_view value, bool terminatorFollows);
 
     uint32_t OrderOf(long machineNumber) const;
     long LineOf(const std::vector<long>& lines, long machineNumber, size_t keySlot) const;
@@ -109,16 +129,16 @@ class SectionedBankIndex {
     std::vector<uint32_t> m_orderOfSection;
     // Per key: the first section in m_sectionsInOrder still waiting for a line with that key.
     std::vector<uint32_t> m_firstPending;
-    // Per section (in order of appearance) and key: offset of the value in m_values, or kNone.
-    std::vector<uint32_t> m_answers;
+    // Per section (in order of appearance) and key: the offset of its value, or kNone.
+    std::vector<std::vector<uint32_t>> m_answerBlocks;
     // The values that answer lookups, each followed by its NUL.
-    std::string m_values;
+    std::vector<std::string> m_valueBlocks;
 
     bool m_withLines;
     long m_line = 0;                   // the line of the piece being read
     std::vector<long> m_sectionLines;  // per section in order of appearance
-    std::vector<long> m_answerLines;   // like m_answers: the answer's line, or 0
-    std::vector<long> m_laterLines;    // like m_answers: the answer's line if from later, or 0
+    std::vector<long> m_answerLines;   // per section and key: the answer's line, or 0
+    std::vector<long> m_laterLines;    // the same where the answer is from later, or 0
     std::vector<long> m_cutLines;
 };
 
