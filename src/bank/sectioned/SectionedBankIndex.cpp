@@ -1,5 +1,6 @@
 #include "bank/sectioned/SectionedBankIndex.h"
 
+#include <cstring>
 #include <utility>
 
 #include "bank/sectioned/QZRFileIO.h"
@@ -138,9 +139,7 @@ void SectionedBankIndex::AnswerPending(uint32_t slot, std::string_view piece) {
         return;
     }
     // Every section opened since the previous line with this key finds its value here.
-    const std::string_view value = SectionedEntryValue(piece, m_keys[slot].size());
-    const uint32_t offset = KeepValue(
-        value, !value.empty() && value.data() + value.size() != piece.data() + piece.size());
+    const uint32_t offset = KeepValue(SectionedEntryValue(piece, m_keys[slot].size()));
     for (size_t order = firstPending; order < sectionCount; ++order) {
         Answer(order, slot) = offset;
         if (m_withLines) {
@@ -156,21 +155,18 @@ void SectionedBankIndex::AnswerPending(uint32_t slot, std::string_view piece) {
 
 // At most kMaxMachineSection sections times the keys of a kind are kept, each shorter than a
 // line piece, so that every block number fits the offset's upper 16 bits.
-uint32_t SectionedBankIndex::KeepValue(std::string_view value, bool terminatorFollows) {
-    if (m_valueBlocks.empty() || m_valueBlocks.back().size() + value.size() >= kValueBlockSize) {
-        m_valueBlocks.emplace_back();
-        m_valueBlocks.back().reserve(kValueBlockSize);
+uint32_t SectionedBankIndex::KeepValue(std::string_view value) {
+    if (m_valueBlocks.empty() || m_lastBlockUsed + value.size() >= kValueBlockSize) {
+        m_valueBlocks.emplace_back(kValueBlockSize);
+        m_lastBlockUsed = 0;
     }
-    std::string& block = m_valueBlocks.back();
-    const size_t position = block.size();
-    if (terminatorFollows) {
-        // The LF or NUL that ends the value comes along and becomes its terminator.
-        block.append(value.data(), value.size() + 1);
-        block.back() = '\0';
-    } else {
-        block.append(value);
-        block.push_back('\0');
+    char* const kept = m_valueBlocks.back().data() + m_lastBlockUsed;
+    if (!value.empty()) {
+        std::memcpy(kept, value.data(), value.size());
     }
+    kept[value.size()] = '\0';
+    const size_t position = m_lastBlockUsed;
+    m_lastBlockUsed += value.size() + 1;
     return static_cast<uint32_t>((m_valueBlocks.size() - 1) << kValueBlockBits | position);
 }
 

@@ -58,10 +58,10 @@ class SectionedBankIndex {
 
       private:
         friend class SectionedBankIndex;
-        Section(const uint32_t* answers, const std::string* valueBlocks)
+        Section(const uint32_t* answers, const std::vector<char>* valueBlocks)
             : m_answers(answers), m_valueBlocks(valueBlocks) {}
         const uint32_t* m_answers;  // per key slot, or null for a section the file lacks
-        const std::string* m_valueBlocks;
+        const std::vector<char>* m_valueBlocks;
     };
     // The section "[Machine-%ld]" of machineNumber (any number; one the file lacks finds
     // nothing). Valid as long as the index.
@@ -87,7 +87,7 @@ class SectionedBankIndex {
     static constexpr unsigned kSectionBlockBits = 8;
     static constexpr size_t kSectionBlockSize = size_t{1} << kSectionBlockBits;
 
-    static const char* ValueAt(const std::string* valueBlocks, uint32_t offset) {
+    static const char* ValueAt(const std::vector<char>* valueBlocks, uint32_t offset) {
         return valueBlocks[offset >> kValueBlockBits].data() + (offset & (kValueBlockSize - 1));
     }
     // The answer to the key at slot for the section at order (in order of appearance).
@@ -95,9 +95,8 @@ class SectionedBankIndex {
         return m_answerBlocks[order >> kSectionBlockBits]
                              [(order & (kSectionBlockSize - 1)) * m_keys.size() + slot];
     }
-    // Keeps value, followed by a NUL, in the value blocks and returns its offset. With
-    // terminatorFollows, the character after the value can be copied as the terminator.
-    uint32_t KeepValue(std::string_view value, bool terminatorFollows);
+    // Keeps value, followed by a NUL, in the value blocks and returns its offset.
+    uint32_t KeepValue(std::string_view value);
 
     uint32_t OrderOf(long machineNumber) const;
     long LineOf(const std::vector<long>& lines, long machineNumber, size_t keySlot) const;
@@ -131,8 +130,10 @@ class SectionedBankIndex {
     std::vector<uint32_t> m_firstPending;
     // Per section (in order of appearance) and key: the offset of its value, or kNone.
     std::vector<std::vector<uint32_t>> m_answerBlocks;
-    // The values that answer lookups, each followed by its NUL.
-    std::vector<std::string> m_valueBlocks;
+    // The values that answer lookups, each followed by its NUL, and the bytes of the last
+    // block in use.
+    std::vector<std::vector<char>> m_valueBlocks;
+    size_t m_lastBlockUsed = 0;
 
     bool m_withLines;
     long m_line = 0;                   // the line of the piece being read
