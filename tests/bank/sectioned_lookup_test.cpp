@@ -110,6 +110,15 @@ TEST(SectionedLookup, IndexAgreesWithTheReferenceOnRandomFiles) {
                                        {"Maker", "Grade", "Remark", "Controller"}, 5);
     }
     EXPECT_GT(found, 150) << "the texts are dense enough that many lookups find a value";
+    // Sections and values enough that the index's storage grows past its first blocks.
+    std::string large;
+    for (int section = 1; section <= 300; ++section) {
+        large += "[Machine-" + std::to_string(section) +
+                 "]\r\nMaker = " + std::string(section % 6 * 95, 'm') + std::to_string(section) +
+                 "\r\nGrade = G\r\n";
+    }
+    EXPECT_EQ(ExpectSameAsReference(folder.Write("large.bnk", large), {"Maker", "Grade"}, 301),
+              600);
 }
 
 }  // namespace
