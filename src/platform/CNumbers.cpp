@@ -421,12 +421,7 @@ bool ScanPlainDecimal(const char* text, double* value) {
 
 // How many of the eight bytes of word, from the first, are decimal digits.
 int LeadingDigitCount(uint64_t word) {
-    const uint64_t low = word & ~kTopBits;
-    const uint64_t atLeastZero = low + kEveryByte * (0x80 - '0');
-    const uint64_t aboveNine = low + kEveryByte * (0x80 - '9' - 1);
-    const uint64_t digits = atLeastZero & ~aboveNine & ~word & kTopBits;
-    const uint64_t others = ~digits & kTopBits;
-    return others == 0 ? 8 : LowestSetBit(others) / 8;
+    return LeadingMarkedBytes(BytesInRange(word, '0', '9'));
 }
 
 constexpr uint64_t kIntegerPowersOfTen[] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000};
@@ -445,7 +440,8 @@ uint64_t DigitsValue(uint64_t word, int count) {
     return value;
 }
 
-// ScanPlainDecimal reading up to seven integer and seven fraction digits a word at a time.
+// ScanPlainDecimal reading up to seven integer and seven fraction digits a word at a time. A
+// number whose fraction digits are all zero is its integer part, which needs no division.
 bool ScanShortDecimal(const char* text, double* value) {
     bool negative = false;
     const char* p = SkipBlanksAndSign(text, &negative);
@@ -454,25 +450,28 @@ bool ScanShortDecimal(const char* text, double* value) {
     if (integerDigits == 8) {
         return false;
     }
-    uint64_t digits = DigitsValue(integerWord, integerDigits);
+    const uint64_t integerPart = DigitsValue(integerWord, integerDigits);
     p += integerDigits;
     int fractionDigits = 0;
+    uint64_t fraction = 0;
     if (*p == '.') {
         const uint64_t fractionWord = LoadEightBytes(++p);
         fractionDigits = LeadingDigitCount(fractionWord);
         if (fractionDigits == 8) {
             return false;
         }
-        digits = digits * kIntegerPowersOfTen[fractionDigits] +
-                 DigitsValue(fractionWord, fractionDigits);
+        fraction = DigitsValue(fractionWord, fractionDigits);
         p += fractionDigits;
     }
     const char next = ToLowerAscii(*p);
     if (integerDigits + fractionDigits == 0 || next == 'e' || next == 'x') {
         return false;
     }
-    return ConvertExactDecimal(digits, integerDigits + fractionDigits, -fractionDigits, negative,
-                               value);
+    if (fraction == 0) {
+        return ConvertExactDecimal(integerPart, integerDigits, 0, negative, value);
+    }
+    return ConvertExactDecimal(integerPart * kIntegerPowersOfTen[fractionDigits] + fraction,
+                               integerDigits + fractionDigits, -fractionDigits, negative, value);
 }
 
 }  // namespace

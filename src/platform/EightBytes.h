@@ -30,6 +30,14 @@ inline uint64_t BytesEqualTo(uint64_t word, unsigned char c) {
     return ~(((differs & ~kTopBits) + ~kTopBits) | differs | ~kTopBits);
 }
 
+// The top bit of each byte of word from low to high (both below 0x80), and no other bit.
+inline uint64_t BytesInRange(uint64_t word, unsigned char low, unsigned char high) {
+    const uint64_t sevenBits = word & ~kTopBits;  // no carry leaves a byte below
+    const uint64_t atLeastLow = sevenBits + kEveryByte * (0x80 - low);
+    const uint64_t aboveHigh = sevenBits + kEveryByte * (0x80 - high - 1);
+    return atLeastLow & ~aboveHigh & ~word & kTopBits;
+}
+
 // The index of the lowest set bit of a word that is not zero.
 inline int LowestSetBit(uint64_t bits) {
 #if defined(__GNUC__)
@@ -42,6 +50,12 @@ inline int LowestSetBit(uint64_t bits) {
                                     46, 26, 40, 15, 34, 20, 31, 10, 25, 14, 19, 9,  13, 8,  7,  6};
     return kPositions[((bits & (~bits + 1)) * kDeBruijn) >> 58];
 #endif
+}
+
+// The number of leading bytes (0 to 8) whose top bit is set in bytes, which has no other bits.
+inline int LeadingMarkedBytes(uint64_t bytes) {
+    const uint64_t unmarked = ~bytes & kTopBits;
+    return unmarked == 0 ? 8 : LowestSetBit(unmarked) / 8;
 }
 
 }  // namespace qzr::platform
