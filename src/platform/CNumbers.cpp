@@ -17,7 +17,6 @@
 // style; the sign, inf and nan, and the padding of "%6.2f" are written here, and the fixed
 // formats take a shortcut for the plain values that fill real banks.
 #include "platform/CNumbers.h"
-#include "platform/EightBytes.h"
 
 #include <charconv>
 #include <cmath>
@@ -419,69 +418,7 @@ bool ScanPlainDecimal(const char* text, double* value) {
     return ConvertExactDecimal(digits, digitCount, -fractionDigits, negative, value);
 }
 
-// How many of the eight bytes of word, from the first, are decimal digits.
-int LeadingDigitCount(uint64_t word) {
-    return LeadingMarkedBytes(BytesInRange(word, '0', '9'));
-}
-
-constexpr uint64_t kIntegerPowersOfTen[] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000};
-
-// The value of the first count (below 8) digits of word.
-uint64_t DigitsValue(uint64_t word, int count) {
-    if (count == 0) {
-        return 0;
-    }
-    // The digits move to the top bytes; the zero bytes below act as leading zeros.
-    uint64_t value = (word - kEveryByte * '0') << (8 * (8 - count));
-    value = value * 10 + (value >> 8);
-    value = ((value & 0x000000FF000000FF) * (100 + (uint64_t{1000000} << 32)) +
-             ((value >> 16) & 0x000000FF000000FF) * (1 + (uint64_t{10000} << 32))) >>
-            32;
-    return value;
-}
-
-// ScanPlainDecimal reading up to seven integer and seven fraction digits a word at a time. A
-// number whose fraction digits are all zero is its integer part, which needs no division.
-bool ScanShortDecimal(const char* text, double* value) {
-    bool negative = false;
-    const char* p = SkipBlanksAndSign(text, &negative);
-    const uint64_t integerWord = LoadEightBytes(p);
-    const int integerDigits = LeadingDigitCount(integerWord);
-    if (integerDigits == 8) {
-        return false;
-    }
-    const uint64_t integerPart = DigitsValue(integerWord, integerDigits);
-    p += integerDigits;
-    int fractionDigits = 0;
-    uint64_t fraction = 0;
-    if (*p == '.') {
-        const uint64_t fractionWord = LoadEightBytes(++p);
-        fractionDigits = LeadingDigitCount(fractionWord);
-        if (fractionDigits == 8) {
-            return false;
-        }
-        fraction = DigitsValue(fractionWord, fractionDigits);
-        p += fractionDigits;
-    }
-    const char next = ToLowerAscii(*p);
-    if (integerDigits + fractionDigits == 0 || next == 'e' || next == 'x') {
-        return false;
-    }
-    if (fraction == 0) {
-        return ConvertExactDecimal(integerPart, integerDigits, 0, negative, value);
-    }
-    return ConvertExactDecimal(integerPart * kIntegerPowersOfTen[fractionDigits] + fraction,
-                               integerDigits + fractionDigits, -fractionDigits, negative, value);
-}
-
 }  // namespace
-
-bool ScanDoubleWithSlack(const char* text, double* value) {
-    if (text != nullptr && value != nullptr && ScanShortDecimal(text, value)) {
-        return true;
-    }
-    return ScanDouble(text, value);
-}
 
 bool ScanDouble(const char* text, double* value) {
     if (text == nullptr || value == nullptr) {

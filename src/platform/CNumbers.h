@@ -19,9 +19,6 @@ namespace qzr::platform {
 // case give +-inf and a quiet NaN without payload ("nan(...)" reads as "nan"). False (and
 // *value untouched) when nothing converts: no digits, a bare "0x", "infinit".
 bool ScanDouble(const char* text, double* value);
-// ScanDouble for a text whose 8 bytes after its terminating NUL may be read as well (a row
-// buffer with room to spare): the same results, plain short decimals read a word at a time.
-bool ScanDoubleWithSlack(const char* text, double* value);
 // sscanf(text, "%d") into a 32-bit int (the "%ld" of the bank formats is 32 bits wide, as on
 // the platform the banks come from). False (and *value untouched) when no number converts.
 // A number beyond 32 bits gives INT_MAX or INT_MIN (its digits are all consumed).

@@ -18,6 +18,7 @@
 #include "DataRows.h"
 #include "platform/CNumbers.h"
 #include "platform/ScopedLocale.h"
+#include "platform/ShortDecimal.h"
 
 namespace qzr::platform {
 namespace {

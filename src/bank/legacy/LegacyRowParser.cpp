@@ -16,6 +16,12 @@
 #include "bank/legacy/LegacyRowNumbers.h"
 #include "platform/CNumbers.h"
 #include "platform/EightBytes.h"
+#include "platform/ShortDecimal.h"
+
+#if defined(__SSE2__) || defined(_M_X64) || defined(_M_AMD64)
+#include <emmintrin.h>
+#define QZR_ROW_SPLIT_SSE2
+#endif
 
 namespace qzr::legacy {
 
@@ -109,9 +115,21 @@ size_t BoundedLength(const char* text, size_t maxChars) {
     return end == nullptr ? maxChars : static_cast<size_t>(static_cast<const char*>(end) - text);
 }
 
-// One bit for each of 64 bytes from p that is a ',' or a '\n' (bit i for byte i).
+// One bit for each of 64 bytes from p that is a ',' or a '\n' (bit i for byte i): sixteen
+// bytes at a time where the processor has SSE2, eight at a time in a word elsewhere.
 uint64_t DelimiterBits(const char* p) {
     uint64_t bits = 0;
+#if defined(QZR_ROW_SPLIT_SSE2)
+    const __m128i comma = _mm_set1_epi8(',');
+    const __m128i lineFeed = _mm_set1_epi8('\n');
+    for (int part = 0; part < 4; ++part) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 16 * part));
+        const __m128i found =
+            _mm_or_si128(_mm_cmpeq_epi8(bytes, comma), _mm_cmpeq_epi8(bytes, lineFeed));
+        bits |= static_cast<uint64_t>(static_cast<uint16_t>(_mm_movemask_epi8(found)))
+                << (16 * part);
+    }
+#else
     for (int word = 0; word < 8; ++word) {
         const uint64_t bytes = platform::LoadEightBytes(p + 8 * word);
         const uint64_t tops =
@@ -119,6 +137,7 @@ uint64_t DelimiterBits(const char* p) {
         // Gathers the eight top bits into the top byte, byte i's bit as bit 56 + i.
         bits |= (((tops >> 7) * 0x0102040810204080ULL) >> 56) << (8 * word);
     }
+#endif
     return bits;
 }
 
