@@ -24,12 +24,6 @@ inline uint64_t LoadEightBytes(const char* p) {
     return word;
 }
 
-// The top bit of each byte of word that equals c, and no other bit.
-inline uint64_t BytesEqualTo(uint64_t word, unsigned char c) {
-    const uint64_t differs = word ^ (kEveryByte * c);
-    return ~(((differs & ~kTopBits) + ~kTopBits) | differs | ~kTopBits);
-}
-
 // The top bit of each byte of word from low to high (both below 0x80), and no other bit.
 inline uint64_t BytesInRange(uint64_t word, unsigned char low, unsigned char high) {
     const uint64_t sevenBits = word & ~kTopBits;  // no carry leaves a byte below

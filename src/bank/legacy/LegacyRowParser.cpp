@@ -115,8 +115,8 @@ size_t BoundedLength(const char* text, size_t maxChars) {
     return end == nullptr ? maxChars : static_cast<size_t>(static_cast<const char*>(end) - text);
 }
 
-// One bit for each of 64 bytes from p that is a ',' or a '\n' (bit i for byte i): sixteen
-// bytes at a time where the processor has SSE2, eight at a time in a word elsewhere.
+// One bit for each of 64 bytes from p that is a ',' or a '\n' (bit i for byte i), sixteen
+// bytes at a time where the processor has SSE2.
 uint64_t DelimiterBits(const char* p) {
     uint64_t bits = 0;
 #if defined(QZR_ROW_SPLIT_SSE2)
@@ -130,12 +130,8 @@ uint64_t DelimiterBits(const char* p) {
                 << (16 * part);
     }
 #else
-    for (int word = 0; word < 8; ++word) {
-        const uint64_t bytes = platform::LoadEightBytes(p + 8 * word);
-        const uint64_t tops =
-            platform::BytesEqualTo(bytes, ',') | platform::BytesEqualTo(bytes, '\n');
-        // Gathers the eight top bits into the top byte, byte i's bit as bit 56 + i.
-        bits |= (((tops >> 7) * 0x0102040810204080ULL) >> 56) << (8 * word);
+    for (int i = 0; i < 64; ++i) {
+        bits |= static_cast<uint64_t>(p[i] == ',' || p[i] == '\n') << i;
     }
 #endif
     return bits;
