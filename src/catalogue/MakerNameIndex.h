@@ -11,6 +11,7 @@
 #define QZR_CATALOGUE_MAKERNAMEINDEX_H
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -46,10 +47,21 @@ class MakerNameIndex {
     // Positions in ascending order; two groups share a key only when a change of locale made
     // their names equal after they were created.
     std::unordered_map<std::string, Positions> m_positions;
-    // The entry of m_positions (null: none) that each text looked up so far leads to, so that
-    // a text met again, as every maker of a bank is, is not lower-cased again. Emptied with
-    // every change of m_positions that can change an answer.
-    mutable std::unordered_map<std::string, const Positions*> m_seen;
+    // A text looked up and the entry of m_positions (null: none) it leads to, so that a text
+    // met again, as every maker of a bank is, is not lower-cased again. Kept in a table of
+    // kSeenSlots slots by a hash of the text, a text replacing the one in its slot; a slot
+    // counts only while its generation is m_generation, which every change of m_positions
+    // that can change an answer moves on.
+    struct SeenText {
+        std::string text;
+        const Positions* positions = nullptr;
+        std::uint64_t generation = 0;
+    };
+    static constexpr std::size_t kSeenSlots = 256;
+    void ForgetSeenTexts() { ++m_generation; }
+
+    mutable std::vector<SeenText> m_seen;  // empty until the first lookup
+    std::uint64_t m_generation = 1;
 };
 
 template <class NameAt>
@@ -71,7 +83,7 @@ std::optional<std::size_t> MakerNameIndex::Find(const char* maker, std::size_t f
     if (!IsBuiltFor(locale)) {
         m_built = false;  // until it is whole, should running out of memory stop it half way
         m_locale = locale;
-        m_seen.clear();
+        ForgetSeenTexts();
         m_positions.clear();
         for (std::size_t position = 0; position < count; ++position) {
             m_positions[qzr::records::NameKey(nameAt(position))].push_back(position);

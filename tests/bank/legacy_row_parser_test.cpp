@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <iterator>
 #include <random>
 #include <string>
@@ -17,6 +18,7 @@
 #include "DataRows.h"
 #include "bank/QZRMoldingMachineReader.h"
 #include "bank/legacy/LegacyRowLayout.h"
+#include "bank/legacy/LegacyRowNumbers.h"
 #include "bank/legacy/LegacyRowParser.h"
 #include "platform/CNumbers.h"
 
@@ -212,6 +214,27 @@ TEST(LegacyRowParser, AgreesWithTheLiteralOracle) {
                 << int(layout) << " [" << row << "]";
             ASSERT_EQ(LegacyFields(fast, 17), LegacyFields(oracle, 17))
                 << int(layout) << " [" << row << "]";
+        }
+    }
+}
+
+// The shot volume's rounding against printing "%.4lg" and reading it back, over every scale
+// the shortcut takes and beyond, powers of ten and their neighbours included.
+TEST(LegacyRowParser, ShotVolumeRoundingAgreesWithPrintingIt) {
+    std::mt19937_64 random(7);
+    std::uniform_real_distribution<double> exponent(-25.0, 25.0);
+    std::vector<double> values;
+    for (int i = 0; i < 20000; ++i) values.push_back(std::pow(10.0, exponent(random)));
+    for (int power = -25; power <= 25; ++power) {
+        const double ten = std::pow(10.0, power);
+        values.insert(values.end(), {ten, std::nextafter(ten, 0.0), std::nextafter(ten, 1e300),
+                                     9.9995 * ten, 1.0005 * ten});
+    }
+    for (const double value : values) {
+        for (const double signedValue : {value, -value}) {
+            double printed = 0.0;
+            platform::ScanDouble(G(signedValue, 4).c_str(), &printed);
+            ASSERT_EQ(G(RoundToFourDigits(signedValue), 17), G(printed, 17)) << G(signedValue, 17);
         }
     }
 }

@@ -18,6 +18,7 @@
 #include "DataRows.h"
 #include "platform/CNumbers.h"
 #include "platform/ScopedLocale.h"
+#include "platform/ShortDecimal.h"
 
 namespace qzr::platform {
 namespace {
@@ -69,10 +70,13 @@ uint64_t BitsIn(const std::string& field) {
 void ExpectPinnedReads() {
     for (const auto& row : Rows("reads.txt")) {  // value or -, text
         const bool converts = row.fields[0] != "-";
-        double value = kUntouched;
-        EXPECT_EQ(ScanDouble(row.fields[1].c_str(), &value), converts) << row.where;
-        EXPECT_EQ(Hex(Bits(value)), Hex(converts ? BitsIn(row.fields[0]) : Bits(kUntouched)))
-            << row.where;
+        const std::string slack = row.fields[1] + '\0' + "12345678";
+        for (bool (*scan)(const char*, double*) : {&ScanDouble, &ScanDoubleWithSlack}) {
+            double value = kUntouched;
+            EXPECT_EQ(scan(slack.c_str(), &value), converts) << row.where;
+            EXPECT_EQ(Hex(Bits(value)), Hex(converts ? BitsIn(row.fields[0]) : Bits(kUntouched)))
+                << row.where;
+        }
     }
     for (const auto& row : Rows("ints.txt")) {
         const bool converts = row.fields[0] != "-";
@@ -143,6 +147,11 @@ void ExpectScansAsGlibc(const std::string& text) {
     const bool converts = std::sscanf(text.c_str(), "%lf", &expected) == 1;
     ASSERT_EQ(ScanDouble(text.c_str(), &got), converts) << Shown(text);
     ASSERT_EQ(Hex(Bits(got)), Hex(Bits(expected))) << Shown(text);
+    // Digits after the NUL must not be taken for the number's.
+    const std::string slack = text + '\0' + "12345678";
+    got = kUntouched;
+    ASSERT_EQ(ScanDoubleWithSlack(slack.c_str(), &got), converts) << Shown(text);
+    ASSERT_EQ(Hex(Bits(got)), Hex(Bits(expected))) << Shown(text);
     // "%d" beyond 32 bits is left to the C library's whim; the table pins it.
     char* end = nullptr;
     const long long wide = std::strtoll(text.c_str(), &end, 10);
@@ -162,7 +171,7 @@ void ExpectWritesAsGlibc(double value) {
             << format << " of the double " << Hex(Bits(value));
     }
     // And read back from the texts the C library writes.
-    for (const char* format : {"%.17g", "%a", "%lf", "%.3e"}) {
+    for (const char* format : {"%.17g", "%a", "%lf", "%.3e", "%6.2f", "%lg", "%.4g"}) {
         ExpectScansAsGlibc(Printf(format, value));
     }
 }

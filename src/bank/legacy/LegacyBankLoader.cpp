@@ -1,4 +1,5 @@
 // Loading a legacy tabular bank (system or user) into a catalogue, row by row.
+#include <cstring>
 #include <exception>
 #include <memory>
 #include <string>
@@ -170,7 +171,7 @@ class LegacyBankScan {
         if (!m_file.ReadLine(&m_line, kOldRowMaxChars)) {
             return false;
         }
-        m_text = std::string_view(m_line.c_str());
+        SetText(std::string_view(m_line.c_str()));
         if (m_observer != nullptr && m_file.PieceWasCut() && m_file.LineNumber() != m_lastCutLine) {
             m_lastCutLine = m_file.LineNumber();
             m_observer->OnLineCut({m_path, m_lastCutLine, kOldRowMaxChars});
@@ -178,7 +179,19 @@ class LegacyBankScan {
         return true;
     }
 
-    bool Contains(std::string_view mark) const { return m_text.find(mark) != m_text.npos; }
+    void SetText(std::string_view text) {
+        m_text = text;
+        m_holdsBracket = std::memchr(text.data(), ']', text.size()) != nullptr;
+    }
+
+    // The markers in brackets end with ']', which rows seldom hold: a line without one is not
+    // searched for them.
+    bool Contains(std::string_view mark) const {
+        if (mark.back() == ']' && !m_holdsBracket) {
+            return false;
+        }
+        return m_text.find(mark) != m_text.npos;
+    }
 
     // A line holding "Version" sets the catalogue's file version (to the number after its
     // first word, or to the last number read when there is none), and only its first word
@@ -201,7 +214,7 @@ class LegacyBankScan {
         platform::ScanInt(wordEnd, &m_version);
         m_catalogue.SetFileVersion(m_version);
         m_line.assign(word, static_cast<size_t>(wordEnd - word));
-        m_text = m_line;
+        SetText(m_line);
     }
 
     // The layout follows the catalogue's file version at this row, so a version line in the
@@ -237,9 +250,10 @@ class LegacyBankScan {
     bool m_hasDeclared = false;
     long m_lastCutLine = 0;
 
-    std::string m_line;       // the current line piece, reused from line to line
-    std::string_view m_text;  // m_line up to its first NUL
-    std::string m_scratch;    // the version line with its commas made blanks
+    std::string m_line;           // the current line piece, reused from line to line
+    std::string_view m_text;      // m_line up to its first NUL
+    bool m_holdsBracket = false;  // whether m_text holds a ']'
+    std::string m_scratch;        // the version line with its commas made blanks
     bool m_headerSeen = false;
     bool m_inDatabase = false;
     int m_version = 1000;

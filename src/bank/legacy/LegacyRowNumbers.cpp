@@ -3,6 +3,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <system_error>
 
 #include "platform/CNumbers.h"
@@ -17,6 +18,18 @@ constexpr double kPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7
                                    1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 constexpr int kLargestExactPower = 22;
 
+// floor(log10(magnitude)) or one less, for a normal positive magnitude: from its binary
+// exponent e, floor(e * log10(2)), with 78913 / 2^18 for log10(2). The scaling below settles
+// the rest.
+int DecimalExponentEstimate(double magnitude) {
+    uint64_t bits = 0;
+    std::memcpy(&bits, &magnitude, sizeof(bits));
+    const int binaryExponent = static_cast<int>((bits >> 52) & 0x7FF) - 1023;
+    const int scaled = binaryExponent * 78913;
+    constexpr int kDivisor = 1 << 18;
+    return scaled >= 0 ? scaled / kDivisor : -((kDivisor - 1 - scaled) / kDivisor);
+}
+
 // "%.4lg" and back without printing, for a finite value whose four-digit rounding is not a
 // near tie: s = |value| scaled into [1000, 10000) is then within far less than 1e-7 of the
 // exact scaled value, so rounding s to an integer gives printf's four digits, and dividing or
@@ -27,7 +40,7 @@ bool RoundShortcut(double value, double* rounded) {
     if (!(magnitude >= 1e-18 && magnitude < 1e21)) {
         return false;
     }
-    int scale = 3 - static_cast<int>(std::floor(std::log10(magnitude)));
+    int scale = 3 - DecimalExponentEstimate(magnitude);
     double scaled = 0.0;
     for (int attempt = 0; attempt < 3; ++attempt) {
         if (scale < -kLargestExactPower || scale > kLargestExactPower) {
