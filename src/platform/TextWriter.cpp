@@ -71,7 +71,7 @@ void TextWriter::MakeRoom(std::size_t size) {
 
 bool TextWriter::FlushBuffer() {
     if (m_used > 0) {
-        if (!m_file || !m_file->Append(m_buffer.data(), m_used)) {
+        if (!m_file || !m_file->Append(reinterpret_cast<const char*>(m_buffer.data()), m_used)) {
             m_failed = true;
         }
         m_used = 0;

@@ -60,14 +60,21 @@ class TextWriter {
         if (m_buffer.size() - m_used < size) {
             MakeRoom(size);
         }
-        return m_buffer.data() + m_used;
+        return reinterpret_cast<char*>(m_buffer.data()) + m_used;
     }
     void MakeRoom(std::size_t size);
     void MarkBufferFull();
     bool FlushBuffer();
 
+    // A byte of the buffer. A new buffer is left uninitialised: every byte is written before
+    // it goes out, and the buffer is large.
+    struct Byte {
+        Byte() {}
+        char value;
+    };
+
     std::unique_ptr<WritableFile> m_file;
-    std::vector<char> m_buffer;  // bytes as they go to disk (line ends already CR LF)
+    std::vector<Byte> m_buffer;  // bytes as they go to disk (line ends already CR LF)
     std::size_t m_used = 0;      // how many of m_buffer's bytes are in use
     bool m_failed = false;
 };

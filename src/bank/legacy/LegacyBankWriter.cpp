@@ -135,6 +135,7 @@ void WriteOldUserBank(platform::TextWriter& out, const CQZRMoldingMachineCtrl& c
     out.Write(OldUserBankHead());
     const bank::CatalogueWalk walk(catalogue);
     for (int index = 0; index < walk.TotalMachine(); ++index) {
+        walk.Prefetch<CQZRIM>(index + bank::CatalogueWalk::kPrefetchDistance);
         if (const CQZRIM* machine = walk.Fetch<CQZRIM>(index)) {
             WriteRow(out, *machine);
         }

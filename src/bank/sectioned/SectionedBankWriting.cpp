@@ -116,6 +116,7 @@ void WriteMachineSections(TextWriter& out, const CQZRMoldingMachineCtrl& catalog
                           const MachineSectionFormat<Record>& format) {
     const qzr::bank::CatalogueWalk walk(catalogue);
     for (int index = 0; index < walk.TotalMachine(); ++index) {
+        walk.Prefetch<Record>(index + CatalogueWalk::kPrefetchDistance);
         if (const Record* machine = walk.Fetch<Record>(index)) {
             WriteSection(out, format, index + 1, *machine);
         }
