@@ -552,6 +552,24 @@ bool SmallScaledMagnitude(double value, uint64_t* scaled) {
     return true;
 }
 
+// round(magnitude * scale) read off the double product where that cannot differ from the
+// exact rounding: a product below 2^51 lies within a 2^-52 part of itself of the exact one,
+// so the nearest integer to a product farther than that from a half-way point is the exact
+// answer. False near a tie, and from 2^51 on: the exact computation decides there.
+bool NearestFromProduct(double magnitude, double scale, uint64_t* scaled) {
+    const double product = magnitude * scale;
+    if (!(product < 0x1p51)) {
+        return false;
+    }
+    const uint64_t nearest = static_cast<uint64_t>(product + 0.5);
+    const double distance = std::fabs(product - static_cast<double>(nearest));
+    if (!(distance < 0.5 - product * 0x1p-51)) {
+        return false;
+    }
+    *scaled = nearest;
+    return true;
+}
+
 #if defined(__SIZEOF_INT128__)
 
 using Wide = unsigned __int128;
@@ -627,8 +645,18 @@ char* WriteDigits(uint64_t value, int count, char* out) {
     return end;
 }
 
+// Decimal digits of value, without leading zeros (one "0" for zero); returns the end. Values
+// below 10000, the most common, take no loop.
 char* WriteUnsigned(uint64_t value, char* out) {
-    return WriteDigits(value, DigitCount(value), out);
+    if (value >= 10000) {
+        return WriteDigits(value, DigitCount(value), out);
+    }
+    if (value >= 100) {
+        out = WriteDigits(value / 100, value >= 1000 ? 2 : 1, out);
+        WritePair(value % 100, out);
+        return out + 2;
+    }
+    return WriteDigits(value, value >= 10 ? 2 : 1, out);
 }
 
 // "%.6f" of a finite value whose scaled magnitude fits in 64 bits, the common case, without
@@ -636,7 +664,8 @@ char* WriteUnsigned(uint64_t value, char* out) {
 char* WriteShortFixed6(double value, char* out) {
     constexpr uint64_t kScale = 1000000;
     uint64_t scaled = 0;
-    if (!ScaledMagnitude(value, kScale, &scaled)) {
+    if (!NearestFromProduct(std::fabs(value), static_cast<double>(kScale), &scaled) &&
+        !ScaledMagnitude(value, kScale, &scaled)) {
         return nullptr;
     }
     // printf writes the sign of every negative value, zero and values that round to zero
@@ -645,8 +674,13 @@ char* WriteShortFixed6(double value, char* out) {
         *out++ = '-';
     }
     out = WriteUnsigned(scaled / kScale, out);
-    *out++ = '.';
-    return WriteDigits(scaled % kScale, 6, out);
+    *out = '.';
+    // Three pairs, each from the fraction itself rather than one after the other.
+    const uint64_t fraction = scaled % kScale;
+    WritePair(fraction / 10000, out + 1);
+    WritePair(fraction / 100 % 100, out + 3);
+    WritePair(fraction % 100, out + 5);
+    return out + 7;
 }
 
 // "%6.2f" of a non-negative value below 10^5 from its magnitude times 100, the common case of
@@ -747,7 +781,9 @@ char* WriteShortG6(double value, char* out) {
     }
     int decimals = kDigits - 1 - exponent;
     uint64_t units = 0;
-    if (!ScaledMagnitude(magnitude, kPowersOfTenInteger[decimals], &units)) {
+    const uint64_t scale = kPowersOfTenInteger[decimals];
+    if (!NearestFromProduct(magnitude, static_cast<double>(scale), &units) &&
+        !ScaledMagnitude(magnitude, scale, &units)) {
         return nullptr;
     }
     if (units == kPowersOfTenInteger[kDigits]) {  // 9.999995 and the like: 10.0000
