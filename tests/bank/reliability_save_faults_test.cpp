@@ -126,9 +126,9 @@ struct WriterRow {
 };
 
 TEST(SaveFaults, EveryFailingOperationKeepsThePreviousBank) {
-    const WriterRow writers[] = {{"legacy", qzr::test::kLegacyUserBank, false, 7007, 4000},
+    const WriterRow writers[] = {{"legacy", qzr::test::kLegacyUserBank, false, 7007, 1600},
                                  {"IMM", qzr::test::kIMMUserBank, false, 9000, 600},
-                                 {"RTM", qzr::test::kRTMUserBank, true, 9000, 2000}};
+                                 {"RTM", qzr::test::kRTMUserBank, true, 9000, 600}};
     for (const WriterRow& writer : writers) {
         const CQZRMoldingMachineCtrl catalogue =
             UserCatalogue(writer.transferMoulding, writer.version, writer.machines);
