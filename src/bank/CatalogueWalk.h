@@ -34,7 +34,36 @@ class CatalogueWalk {
     template <class Record>
     const Record* Fetch(int machineIndex) const;
 
+    // How many machines ahead of the one it writes a writer prefetches: far enough that the
+    // memory arrives while the machines between are written.
+    static constexpr int kPrefetchDistance = 4;
+
+    // Asks the processor to start loading the machine at the index, if there is one of the
+    // record's kind, while the writer is still busy with the machines before it. A record is
+    // allocated together with its field blocks, which usually follow it in memory, so the
+    // bytes after it are loaded too. Without this, a save of a catalogue far larger than the
+    // caches waits for memory at every machine.
+    template <class Record>
+    void Prefetch(int machineIndex) const {
+        if (const Record* machine = Fetch<Record>(machineIndex)) {
+            PrefetchBytes(machine);
+        }
+    }
+
   private:
+    static void PrefetchBytes(const void* start) {
+#if defined(__GNUC__)
+        constexpr int kCacheLine = 64;
+        constexpr int kRecordAndFields = 11 * kCacheLine;
+        const char* const bytes = static_cast<const char*>(start);
+        for (int offset = 0; offset < kRecordAndFields; offset += kCacheLine) {
+            __builtin_prefetch(bytes + offset);
+        }
+#else
+        static_cast<void>(start);
+#endif
+    }
+
     const catalogue::CQZRMoldingMachineDatabase* m_store;
 };
 

@@ -481,6 +481,12 @@ bool ScanInt(const char* text, int* value) {
 
 // ---------------------------------------------------------------------------------------------
 // Writing "%lf", "%6.2f", "%lg", "%.*g" and "%d"
+//
+// printf rounds a fixed-point conversion from the exact binary value, a tie to the even
+// neighbour (the default rounding mode, the only one the library runs in). The shortcuts
+// below compute that rounding in integers: a finite double is significand * 2^exponent, and
+// significand * scale shifted right by -exponent, with the bits shifted out as the remainder,
+// rounds exactly. What they do not take goes to to_chars, which writes what printf writes.
 
 namespace {
 
@@ -501,48 +507,96 @@ char* WriteByToChars(double value, std::chars_format format, int precision, char
     return printed.ec == std::errc() ? printed.ptr : out;
 }
 
+// |value| = significand * 2^exponent; inf and NaN come out with an exponent above 0.
+struct BinaryMagnitude {
+    uint64_t significand;
+    int exponent;
+};
+
+BinaryMagnitude Decompose(double value) {
+    uint64_t bits = 0;
+    std::memcpy(&bits, &value, sizeof(bits));
+    const int biased = static_cast<int>((bits >> 52) & 0x7FF);
+    const uint64_t fraction = bits & ((uint64_t{1} << 52) - 1);
+    if (biased == 0) {
+        return {fraction, -1074};  // a subnormal, or zero
+    }
+    return {fraction | uint64_t{1} << 52, biased - 1075};
+}
+
+// quotient rounded up by one where the remainder of a division by 2^shift is above half, or
+// half with an odd quotient.
+template <class Unsigned>
+Unsigned RoundedQuotient(Unsigned quotient, Unsigned remainder, Unsigned half) {
+    return quotient + ((remainder > half || (remainder == half && (quotient & 1) != 0)) ? 1 : 0);
+}
+
+// round(|value| * Scale) in 64-bit arithmetic, on every compiler: the significand (below 2^53)
+// times a Scale up to 1024 stays below 2^63, so a shift of 64 or more leaves less than a half.
+// False from 2^52 on (and for inf and NaN), which the general path takes.
+template <uint64_t Scale>
+bool SmallScaledMagnitude(double value, uint64_t* scaled) {
+    static_assert(Scale <= 1024, "the product must stay below 2^63");
+    const BinaryMagnitude binary = Decompose(value);
+    if (binary.exponent >= 0) {
+        return false;
+    }
+    const int shift = -binary.exponent;
+    if (shift >= 64) {
+        *scaled = 0;
+        return true;
+    }
+    const uint64_t product = binary.significand * Scale;
+    const uint64_t quotient = product >> shift;
+    *scaled = RoundedQuotient(quotient, product - (quotient << shift), uint64_t{1} << (shift - 1));
+    return true;
+}
+
+// round(magnitude * scale) read off the double product where that cannot differ from the
+// exact rounding: a product below 2^51 lies within a 2^-52 part of itself of the exact one,
+// so the nearest integer to a product farther than that from a half-way point is the exact
+// answer. False near a tie, and from 2^51 on: the exact computation decides there.
+bool NearestFromProduct(double magnitude, double scale, uint64_t* scaled) {
+    const double product = magnitude * scale;
+    if (!(product < 0x1p51)) {
+        return false;
+    }
+    const uint64_t nearest = static_cast<uint64_t>(product + 0.5);
+    const double distance = std::fabs(product - static_cast<double>(nearest));
+    if (!(distance < 0.5 - product * 0x1p-51)) {
+        return false;
+    }
+    *scaled = nearest;
+    return true;
+}
+
 #if defined(__SIZEOF_INT128__)
 
 using Wide = unsigned __int128;
 
-// round(|value| * scale) as printf rounds a fixed-point conversion: from the exact binary value,
-// a tie to the even neighbour (the default rounding mode, the only one the library runs in).
-// The double is mantissa * 2^exponent; mantissa * scale (below 2^73 for the scales used) is
-// exact in 128 bits, and the shift that divides by 2^-exponent leaves an exact remainder to
-// round with. False when the result does not fit in 64 bits.
+// round(|value| * scale) for any scale up to 10^9, in 128 bits: the significand times the
+// scale stays below 2^83. False when the result does not fit in 64 bits.
 bool ScaledMagnitude(double value, uint64_t scale, uint64_t* scaled) {
-    uint64_t bits = 0;
-    std::memcpy(&bits, &value, sizeof(bits));
-    const int biased = static_cast<int>((bits >> 52) & 0x7FF);
-    uint64_t mantissa = bits & ((uint64_t{1} << 52) - 1);
-    int exponent = -1074;  // a subnormal (or zero)
-    if (biased != 0) {
-        mantissa |= uint64_t{1} << 52;
-        exponent = biased - 1075;
-    }
-    if (exponent >= 0) {
-        if (exponent > 10) {
-            return false;  // 2^63 and more
+    const BinaryMagnitude binary = Decompose(value);
+    if (binary.exponent >= 0) {
+        if (binary.exponent > 10) {
+            return false;  // 2^63 and more, inf and NaN
         }
-        const Wide product = static_cast<Wide>(mantissa << exponent) * scale;
+        const Wide product = static_cast<Wide>(binary.significand << binary.exponent) * scale;
         if ((product >> 64) != 0) {
             return false;
         }
         *scaled = static_cast<uint64_t>(product);
         return true;
     }
-    const int shift = -exponent;
-    const Wide product = static_cast<Wide>(mantissa) * scale;
+    const int shift = -binary.exponent;
     if (shift >= 100) {
-        *scaled = 0;  // the product is below 2^73, far below half of 2^shift
+        *scaled = 0;  // the product is below 2^83, far below half of 2^shift
         return true;
     }
-    Wide quotient = product >> shift;
-    const Wide remainder = product - (quotient << shift);
-    const Wide half = static_cast<Wide>(1) << (shift - 1);
-    if (remainder > half || (remainder == half && (quotient & 1) != 0)) {
-        ++quotient;
-    }
+    const Wide product = static_cast<Wide>(binary.significand) * scale;
+    const Wide quotient = RoundedQuotient(product >> shift, product - ((product >> shift) << shift),
+                                          static_cast<Wide>(1) << (shift - 1));
     if ((quotient >> 64) != 0) {
         return false;
     }
@@ -553,7 +607,7 @@ bool ScaledMagnitude(double value, uint64_t scale, uint64_t* scaled) {
 #else
 
 bool ScaledMagnitude(double, uint64_t, uint64_t*) {
-    return false;  // no 128-bit integers here: to_chars writes every value
+    return false;  // no 128-bit integers here: to_chars writes these values
 }
 
 #endif
@@ -569,36 +623,49 @@ void WritePair(uint64_t value, char* out) {
     std::memcpy(out, kDigitPairs + 2 * value, 2);
 }
 
-// Decimal digits of value, without leading zeros (one "0" for zero); returns the end.
-char* WriteUnsigned(uint64_t value, char* out) {
+// How many decimal digits value has (1 for zero).
+int DigitCount(uint64_t value) {
     int digits = 1;
-    for (uint64_t bound = 10; digits < 20 && value >= bound; bound *= 10) {
-        ++digits;
+    for (; value >= 100; value /= 100) {
+        digits += 2;
     }
-    char* end = out + digits;
+    return digits + (value >= 10 ? 1 : 0);
+}
+
+// The last `count` decimal digits of value, zeros in front where it has fewer; returns the end.
+char* WriteDigits(uint64_t value, int count, char* out) {
+    char* const end = out + count;
     char* p = end;
-    while (value >= 100) {
-        p -= 2;
-        WritePair(value % 100, p);
-        value /= 100;
+    for (; p - out >= 2; p -= 2, value /= 100) {
+        WritePair(value % 100, p - 2);
     }
-    if (value >= 10) {
-        WritePair(value, p - 2);
-    } else {
-        p[-1] = static_cast<char>('0' + value);
+    if (p != out) {
+        *out = static_cast<char>('0' + value % 10);
     }
     return end;
 }
 
-// "%.<Decimals>f" of a finite value whose scaled magnitude fits in 64 bits, the common case,
-// without to_chars; returns the end of the text, or null when the value is beyond it. The
-// decimals are a constant, so that dividing by their scale is a multiplication.
-template <int Decimals>
-char* WriteShortFixed(double value, char* out) {
-    static_assert(Decimals == 6 || Decimals == 2);
-    constexpr uint64_t kScale = Decimals == 6 ? 1000000 : 100;
+// Decimal digits of value, without leading zeros (one "0" for zero); returns the end. Values
+// below 10000, the most common, take no loop.
+char* WriteUnsigned(uint64_t value, char* out) {
+    if (value >= 10000) {
+        return WriteDigits(value, DigitCount(value), out);
+    }
+    if (value >= 100) {
+        out = WriteDigits(value / 100, value >= 1000 ? 2 : 1, out);
+        WritePair(value % 100, out);
+        return out + 2;
+    }
+    return WriteDigits(value, value >= 10 ? 2 : 1, out);
+}
+
+// "%.6f" of a finite value whose scaled magnitude fits in 64 bits, the common case, without
+// to_chars; null when the value is beyond it.
+char* WriteShortFixed6(double value, char* out) {
+    constexpr uint64_t kScale = 1000000;
     uint64_t scaled = 0;
-    if (!ScaledMagnitude(value, kScale, &scaled)) {
+    if (!NearestFromProduct(std::fabs(value), static_cast<double>(kScale), &scaled) &&
+        !ScaledMagnitude(value, kScale, &scaled)) {
         return nullptr;
     }
     // printf writes the sign of every negative value, zero and values that round to zero
@@ -607,28 +674,64 @@ char* WriteShortFixed(double value, char* out) {
         *out++ = '-';
     }
     out = WriteUnsigned(scaled / kScale, out);
-    *out++ = '.';
+    *out = '.';
+    // Three pairs, each from the fraction itself rather than one after the other.
     const uint64_t fraction = scaled % kScale;
-    if constexpr (Decimals == 6) {
-        WritePair(fraction / 10000, out);
-        WritePair(fraction / 100 % 100, out + 2);
-        WritePair(fraction % 100, out + 4);
-    } else {
-        WritePair(fraction, out);
-    }
-    return out + Decimals;
+    WritePair(fraction / 10000, out + 1);
+    WritePair(fraction / 100 % 100, out + 3);
+    WritePair(fraction % 100, out + 5);
+    return out + 7;
 }
 
-// "%.<Decimals>f" of any value.
-template <int Decimals>
-char* WriteFixed(double value, char* out) {
-    if (!std::isfinite(value)) {
-        return WriteNonFinite(value, out);
+// "%6.2f" of a non-negative value below 10^5 from its magnitude times 100, the common case of
+// bank numbers, written byte by byte in one of its three layouts: below 1000 the text fills the
+// width ("  1.50", " 12.50", "123.50"), from 1000 on it has four or five whole digits.
+char* WriteSmallWidth6Fixed2(uint64_t scaled, char* out) {
+    const uint64_t whole = scaled / 100;
+    char* p = out;
+    if (whole >= 1000) {
+        if (whole >= 10000) {
+            *p++ = static_cast<char>('0' + whole / 10000);
+        }
+        WritePair(whole / 100 % 100, p);
+        WritePair(whole % 100, p + 2);
+        p += 4;
+    } else {
+        const char* const tensAndUnits = kDigitPairs + 2 * (whole % 100);
+        p[0] = whole >= 100 ? static_cast<char>('0' + whole / 100) : ' ';
+        p[1] = whole >= 10 ? tensAndUnits[0] : ' ';
+        p[2] = tensAndUnits[1];
+        p += 3;
     }
-    if (char* end = WriteShortFixed<Decimals>(value, out)) {
-        return end;
+    p[0] = '.';
+    WritePair(scaled % 100, p + 1);
+    return p + 3;
+}
+
+// "%6.2f" of a value below 2^52, blanks in front up to the width; null beyond it.
+char* WriteShortWidth6Fixed2(double value, char* out) {
+    uint64_t scaled = 0;
+    if (!SmallScaledMagnitude<100>(value, &scaled)) {
+        return nullptr;
     }
-    return WriteByToChars(value, std::chars_format::fixed, Decimals, out);
+    const bool negative = std::signbit(value);
+    const uint64_t whole = scaled / 100;
+    if (!negative && whole < 100000) {
+        return WriteSmallWidth6Fixed2(scaled, out);
+    }
+    const int wholeDigits = DigitCount(whole);
+    const int length = (negative ? 1 : 0) + wholeDigits + 3;
+    if (length < 6) {
+        std::memset(out, ' ', 6);
+        out += 6 - length;
+    }
+    if (negative) {
+        *out++ = '-';
+    }
+    out = WriteDigits(whole, wholeDigits, out);
+    *out = '.';
+    WritePair(scaled % 100, out + 1);
+    return out + 3;
 }
 
 // The text from out to end moved right within width characters, blanks before it.
@@ -643,17 +746,85 @@ char* PadToWidth(char* out, char* end, std::ptrdiff_t width) {
     return out + width;
 }
 
+// "%.<decimals>f" of any value.
+char* WriteFixed(double value, int decimals, char* out) {
+    if (!std::isfinite(value)) {
+        return WriteNonFinite(value, out);
+    }
+    if (char* end = decimals == 6 ? WriteShortFixed6(value, out) : nullptr) {
+        return end;
+    }
+    return WriteByToChars(value, std::chars_format::fixed, decimals, out);
+}
+
+constexpr uint64_t kPowersOfTenInteger[] = {1,      10,      100,      1000,      10000,
+                                            100000, 1000000, 10000000, 100000000, 1000000000};
+// 10^-4 ... 10^6. The doubles nearest the negative powers lie above them, so a double is at
+// least the power exactly when it is at least its double.
+constexpr double kDecades[] = {1e-4, 1e-3, 1e-2, 1e-1, 1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6};
+constexpr int kSmallestFixedExponent = -4;
+
+// "%.6g" of a value that "%g" writes without an exponent, the common case: its magnitude
+// rounded to six digits lies from 10^-4 to below 10^6. Null for every other value (zero
+// included). The magnitude is 10^exponent or more: rounded to six significant digits, it is
+// round(|value| * 10^(5 - exponent)) units of the sixth digit, unless that rounds up to the
+// next power of ten, which moves the exponent; trailing zeros of the fraction are dropped.
+char* WriteShortG6(double value, char* out) {
+    constexpr int kDigits = 6;
+    const double magnitude = std::fabs(value);
+    if (!(magnitude >= kDecades[0] && magnitude < kDecades[10])) {
+        return nullptr;
+    }
+    int exponent = kSmallestFixedExponent;
+    while (magnitude >= kDecades[exponent - kSmallestFixedExponent + 1]) {
+        ++exponent;
+    }
+    int decimals = kDigits - 1 - exponent;
+    uint64_t units = 0;
+    const uint64_t scale = kPowersOfTenInteger[decimals];
+    if (!NearestFromProduct(magnitude, static_cast<double>(scale), &units) &&
+        !ScaledMagnitude(magnitude, scale, &units)) {
+        return nullptr;
+    }
+    if (units == kPowersOfTenInteger[kDigits]) {  // 9.999995 and the like: 10.0000
+        if (decimals == 0) {
+            return nullptr;  // 1e+06
+        }
+        --decimals;
+        units /= 10;
+    }
+    if (std::signbit(value)) {
+        *out++ = '-';
+    }
+    out = WriteUnsigned(units / kPowersOfTenInteger[decimals], out);
+    uint64_t fraction = units % kPowersOfTenInteger[decimals];
+    if (fraction == 0) {
+        return out;
+    }
+    for (; fraction % 10 == 0; fraction /= 10) {
+        --decimals;
+    }
+    *out++ = '.';
+    return WriteDigits(fraction, decimals, out);
+}
+
 }  // namespace
 
 char* WriteLf(double value, char* out) {
-    return WriteFixed<6>(value, out);
+    return WriteFixed(value, 6, out);
 }
 
 char* WriteWidth6Fixed2(double value, char* out) {
-    return PadToWidth(out, WriteFixed<2>(value, out), 6);
+    if (char* end = WriteShortWidth6Fixed2(value, out)) {
+        return end;
+    }
+    return PadToWidth(out, WriteFixed(value, 2, out), 6);
 }
 
 char* WriteLg(double value, char* out) {
+    if (char* end = WriteShortG6(value, out)) {
+        return end;
+    }
     return WriteG(value, 6, out);
 }
 

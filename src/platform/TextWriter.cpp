@@ -6,13 +6,20 @@ namespace qzr::platform {
 
 namespace {
 
-constexpr size_t kBufferSize = 64 * 1024;
+// Large enough that the system calls cost little beside the copying into the page cache, and
+// below the size from which the C library maps every allocation afresh from the system, so
+// that a save reuses heap memory instead of touching new pages.
+constexpr std::size_t kBufferSize = 120 * 1024;
 
 }  // namespace
 
 TextWriter::TextWriter(const std::string& path, WriteMode mode)
-    : m_file(CurrentEnv()->OpenForWriting(path, mode)), m_failed(m_file == nullptr) {
-    m_buffer.resize(kBufferSize + 2);
+    : m_file(CurrentEnv()->OpenForWriting(path, mode)),
+      m_buffer(kBufferSize),
+      m_failed(m_file == nullptr) {
+    if (!m_file) {
+        MarkBufferFull();
+    }
 }
 
 TextWriter::~TextWriter() {
@@ -25,8 +32,7 @@ bool TextWriter::IsOpen() const {
     return m_file != nullptr;
 }
 
-// Line by line, each line's bytes and its CR LF copied straight into the buffer, and the
-// buffer written out once it holds kBufferSize bytes or more after a line, as before.
+// Run by run between line feeds, each run's bytes and then CR LF for its line feed.
 void TextWriter::Write(std::string_view text) {
     if (!m_file) {
         m_failed = true;
@@ -35,32 +41,38 @@ void TextWriter::Write(std::string_view text) {
     const char* p = text.data();
     const char* const end = p + text.size();
     while (p != end) {
-        const void* lineFeed = std::memchr(p, '\n', static_cast<size_t>(end - p));
+        const void* lineFeed = std::memchr(p, '\n', static_cast<std::size_t>(end - p));
         const char* const runEnd = lineFeed != nullptr ? static_cast<const char*>(lineFeed) : end;
-        const size_t run = static_cast<size_t>(runEnd - p);
-        if (m_buffer.size() - m_used < run + 2) {
-            m_buffer.resize(m_used + run + 2);  // a line longer than the buffer
+        WriteVerbatim(std::string_view(p, static_cast<std::size_t>(runEnd - p)));
+        if (lineFeed == nullptr) {
+            break;
         }
-        char* const out = &m_buffer[m_used];
-        std::memcpy(out, p, run);
-        m_used += run;
-        if (lineFeed != nullptr) {
-            out[run] = '\r';
-            out[run + 1] = '\n';
-            m_used += 2;
-            p = runEnd + 1;
-        } else {
-            p = end;
-        }
-        if (m_used >= kBufferSize) {
-            FlushBuffer();
-        }
+        EndLine();
+        p = runEnd + 1;
+    }
+}
+
+// Without a file the buffer counts as full, so that the first piece written after all fails.
+void TextWriter::MarkBufferFull() {
+    m_used = m_buffer.size();
+}
+
+// Without a file (never opened, or closed) the bytes have nowhere to go: the writer fails, and
+// the room it hands out is scratch space.
+void TextWriter::MakeRoom(std::size_t size) {
+    if (!m_file) {
+        m_failed = true;
+        m_used = 0;
+    }
+    FlushBuffer();
+    if (m_buffer.size() < size) {
+        m_buffer.resize(size);  // a piece longer than the buffer
     }
 }
 
 bool TextWriter::FlushBuffer() {
     if (m_used > 0) {
-        if (!m_file || !m_file->Append(m_buffer.data(), m_used)) {
+        if (!m_file || !m_file->Append(reinterpret_cast<const char*>(m_buffer.data()), m_used)) {
             m_failed = true;
         }
         m_used = 0;
@@ -91,6 +103,7 @@ bool TextWriter::Close() {
         m_failed = true;
     }
     m_file.reset();
+    MarkBufferFull();
     return !m_failed;
 }
 

@@ -122,18 +122,16 @@ struct WriterRow {
     const qzr::test::DefaultBank& bank;
     bool transferMoulding;
     int version;
+    int machines;  // enough for the body to take several writes of the writer's buffer
 };
 
-// Enough machines for the body to take several writes of the writer's buffer.
-constexpr int kMachines = 600;
-
 TEST(SaveFaults, EveryFailingOperationKeepsThePreviousBank) {
-    const WriterRow writers[] = {{"legacy", qzr::test::kLegacyUserBank, false, 7007},
-                                 {"IMM", qzr::test::kIMMUserBank, false, 9000},
-                                 {"RTM", qzr::test::kRTMUserBank, true, 9000}};
+    const WriterRow writers[] = {{"legacy", qzr::test::kLegacyUserBank, false, 7007, 1600},
+                                 {"IMM", qzr::test::kIMMUserBank, false, 9000, 600},
+                                 {"RTM", qzr::test::kRTMUserBank, true, 9000, 600}};
     for (const WriterRow& writer : writers) {
         const CQZRMoldingMachineCtrl catalogue =
-            UserCatalogue(writer.transferMoulding, writer.version, kMachines);
+            UserCatalogue(writer.transferMoulding, writer.version, writer.machines);
         const std::string target = std::string("Bank/") + writer.bank.name;
         const std::string backup = target + ".bak";
         for (const bool targetExists : {true, false}) {

@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <random>
 #include <string>
 #include <vector>
@@ -201,6 +202,33 @@ std::string LongDecimal(std::mt19937_64& random) {
     return text + "e" + std::to_string(static_cast<int>(random() % 700) - 350);
 }
 
+// The value and its neighbours up to three doubles away on either side.
+void ExpectNeighboursWriteAsGlibc(double value) {
+    double below = value;
+    double above = value;
+    for (int step = 0; step < 4; ++step) {
+        ExpectWritesAsGlibc(below);
+        ExpectWritesAsGlibc(above);
+        below = std::nextafter(below, -std::numeric_limits<double>::infinity());
+        above = std::nextafter(above, std::numeric_limits<double>::infinity());
+    }
+}
+
+// Where the fixed-point shortcuts decide: halfway between two texts of "%6.2f" and of "%lf",
+// six-digit "%g" texts that round up to the next power of ten, exact binary ties, and the
+// limits of the shortcuts.
+void ExpectEdgesWriteAsGlibc(std::mt19937_64& random) {
+    const double half = static_cast<double>(random() % 2000000) + 0.5;
+    ExpectNeighboursWriteAsGlibc(half / 100.0);
+    ExpectNeighboursWriteAsGlibc(-half / 1e6);
+    const int decade = static_cast<int>(random() % 13) - 6;
+    ExpectNeighboursWriteAsGlibc(999999.5 * std::pow(10.0, decade - 5));
+    ExpectNeighboursWriteAsGlibc(std::pow(10.0, decade));
+    const double odd = static_cast<double>(2 * (random() % 5000000) + 1);
+    ExpectWritesAsGlibc(odd / 8.0);                                          // ties of "%6.2f"
+    ExpectWritesAsGlibc(std::ldexp(odd, -static_cast<int>(random() % 40)));  // ties of "%g"
+}
+
 #endif  // defined(__GLIBC__)
 
 TEST(CNumbers, AgreeWithTheGnuCLibrary) {
@@ -221,6 +249,14 @@ TEST(CNumbers, AgreeWithTheGnuCLibrary) {
             scales[random() % 5]);
         ExpectWritesAsGlibc(std::ldexp(static_cast<double>(random() % (uint64_t{1} << 53)),
                                        static_cast<int>(random() % 2200) - 1126));
+        ExpectEdgesWriteAsGlibc(random);
+    }
+    const double kInfinity = std::numeric_limits<double>::infinity();
+    for (const double limit :
+         {0.0, 0x1p-1074, 0x1p-1022, 0x1p-64, 0x1p-11, 0x1p52, 0x1p63 / 100, 0x1p64 / 1e6, 1e-4,
+          1e6, kInfinity, std::numeric_limits<double>::quiet_NaN()}) {
+        ExpectNeighboursWriteAsGlibc(limit);
+        ExpectNeighboursWriteAsGlibc(-limit);
     }
 #endif
 }

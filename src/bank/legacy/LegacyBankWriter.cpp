@@ -15,7 +15,6 @@
 #include "bank/CatalogueWalk.h"
 #include "bank/QZRMoldingMachineWriter.h"
 #include "bank/SaveProtocol.h"
-#include "bank/TextBuffer.h"
 #include "bank/legacy/LegacyColumns.h"
 #include "catalogue/QZRMoldingMachineCtrlAccess.h"
 #include "platform/CNumbers.h"
@@ -82,19 +81,21 @@ constexpr auto kNozzleGetters = std::make_tuple(0 QZR_NOZZLE_FIELDS(QZR_NOZZLE_G
 #undef QZR_NOZZLE_GETTER
 
 template <records::LegacyNumber>
-void AppendValue(bank::TextBuffer& row, const char* text) {
-    row.AppendText(text);
+void WriteValue(platform::TextWriter& out, const char* text) {
+    if (text != nullptr) {
+        out.Write(text);
+    }
 }
 template <records::LegacyNumber>
-void AppendValue(bank::TextBuffer& row, int value) {
-    row.AppendNumber(&platform::WriteD, value);
+void WriteValue(platform::TextWriter& out, int value) {
+    out.WriteNumber(&platform::WriteD, value);
 }
 template <records::LegacyNumber number>
-void AppendValue(bank::TextBuffer& row, double value) {
+void WriteValue(platform::TextWriter& out, double value) {
     if constexpr (number == records::LegacyNumber::kGeneral) {
-        row.AppendNumber(&platform::WriteLg, value);
+        out.WriteNumber(&platform::WriteLg, value);
     } else {
-        row.AppendNumber(&platform::WriteWidth6Fixed2, value);
+        out.WriteNumber(&platform::WriteWidth6Fixed2, value);
     }
 }
 
@@ -113,39 +114,30 @@ auto ColumnValue(const CQZRIM& machine, const NozzleSpecification& nozzle) {
 // All values are fetched before any is written, so that the record's memory is read in one go
 // rather than between the number conversions.
 template <size_t... positions>
-void AppendColumns(bank::TextBuffer& row, const CQZRIM& machine,
-                   std::index_sequence<positions...>) {
+void WriteColumns(platform::TextWriter& out, const CQZRIM& machine,
+                  std::index_sequence<positions...>) {
     const NozzleSpecification& nozzle = machine.GetNozzleSpecification();
     const auto values = std::make_tuple(ColumnValue<positions>(machine, nozzle)...);
-    ((row.Append(','),
-      AppendValue<ColumnAt(kRowColumns[positions]).number>(row, std::get<positions>(values))),
+    ((out.WriteVerbatim(","),
+      WriteValue<ColumnAt(kRowColumns[positions]).number>(out, std::get<positions>(values))),
      ...);
 }
 
-class LegacyUserRow {
-  public:
-    // The row of the machine, valid until the next call.
-    std::string_view Of(const CQZRIM& machine) {
-        m_row.Clear();
-        m_row.AppendNumber(&platform::WriteD, 1);
-        AppendColumns(m_row, machine, std::make_index_sequence<kColumnCount>());
-        m_row.Append('\n');
-        return m_row.View();
-    }
-
-  private:
-    bank::TextBuffer m_row;
-};
+void WriteRow(platform::TextWriter& out, const CQZRIM& machine) {
+    out.WriteVerbatim("1");
+    WriteColumns(out, machine, std::make_index_sequence<kColumnCount>());
+    out.EndLine();
+}
 
 // Every injection-moulding machine in catalogue order; an index that falls on a machine of a
 // transfer-moulding group is not handed out as a CQZRIM and gets no row.
 void WriteOldUserBank(platform::TextWriter& out, const CQZRMoldingMachineCtrl& catalogue) {
     out.Write(OldUserBankHead());
     const bank::CatalogueWalk walk(catalogue);
-    LegacyUserRow row;
     for (int index = 0; index < walk.TotalMachine(); ++index) {
+        walk.Prefetch<CQZRIM>(index + bank::CatalogueWalk::kPrefetchDistance);
         if (const CQZRIM* machine = walk.Fetch<CQZRIM>(index)) {
-            out.Write(row.Of(*machine));
+            WriteRow(out, *machine);
         }
     }
     out.Write("[EOF]\n");

@@ -7,7 +7,6 @@
 #include "bank/CatalogueWalk.h"
 #include "bank/QZRMoldingMachineWriter.h"
 #include "bank/SaveProtocol.h"
-#include "bank/TextBuffer.h"
 #include "bank/sectioned/MachineSectionFormat.h"
 #include "catalogue/QZRMoldingMachineCtrlAccess.h"
 #include "platform/CNumbers.h"
@@ -73,48 +72,41 @@ void WriteBankHeader(TextWriter& out, const CQZRMoldingMachineCtrl& catalogue) {
     out.Write("\n");
 }
 
-// One machine's section, put together as text and handed to the writer whole: the header
-// "[Machine-%d]\n\n" with the section's number, one entry line per key (the key's prefix,
-// then the value as "%s", "%d" or "%lf" writes it), and an empty line.
+// A machine's value of one key, as "%s", "%d" or "%lf" writes it. Texts go out unescaped: a
+// line feed in a value splits its entry line.
 template <class Record>
-class SectionText {
-  public:
-    explicit SectionText(const MachineSectionFormat<Record>& format) : m_format(format) {}
-
-    // The section of the machine, valid until the next call.
-    std::string_view Of(int number, const Record& machine) {
-        m_text.Clear();
-        m_text.Append("[Machine-");
-        m_text.AppendNumber(&WriteD, number);
-        m_text.Append("]\n\n");
-        for (const MachineKey<Record>& row : m_format.rows) {
-            m_text.Append(row.linePrefix);
-            AppendValue(*row.field, machine);
-            m_text.Append('\n');
-        }
-        m_text.Append('\n');
-        return m_text.View();
+void WriteValue(TextWriter& out, const records::FieldDescriptor<Record>& field,
+                const Record& machine) {
+    switch (field.type) {
+        case records::FieldType::kText:
+            WriteText(out, field.getText(machine));
+            break;
+        case records::FieldType::kInteger:
+            out.WriteNumber(&WriteD, field.getInteger(machine));
+            break;
+        case records::FieldType::kReal:
+            out.WriteNumber(&WriteLf, field.getReal(machine));
+            break;
     }
+}
 
-  private:
-    void AppendValue(const records::FieldDescriptor<Record>& field, const Record& machine) {
-        switch (field.type) {
-            case records::FieldType::kText:
-                // Texts go out unescaped: a line feed in a value splits its entry line.
-                m_text.AppendText(field.getText(machine));
-                break;
-            case records::FieldType::kInteger:
-                m_text.AppendNumber(&WriteD, field.getInteger(machine));
-                break;
-            case records::FieldType::kReal:
-                m_text.AppendNumber(&WriteLf, field.getReal(machine));
-                break;
-        }
+// One machine's section: the header "[Machine-%d]\n\n" with the section's number, one entry
+// line per key (the key's prefix, then the value), and an empty line.
+template <class Record>
+void WriteSection(TextWriter& out, const MachineSectionFormat<Record>& format, int number,
+                  const Record& machine) {
+    out.WriteVerbatim("[Machine-");
+    out.WriteNumber(&WriteD, number);
+    out.WriteVerbatim("]");
+    out.EndLine();
+    out.EndLine();
+    for (const MachineKey<Record>& row : format.rows) {
+        out.WriteVerbatim(row.linePrefix);
+        WriteValue(out, *row.field, machine);
+        out.EndLine();
     }
-
-    const MachineSectionFormat<Record>& m_format;
-    qzr::bank::TextBuffer m_text;
-};
+    out.EndLine();
+}
 
 // One section per machine of the writer's kind, numbered by global machine index + 1: the
 // machines of the other kind leave gaps in the numbering, which also ends a later reading of
@@ -123,10 +115,10 @@ template <class Record>
 void WriteMachineSections(TextWriter& out, const CQZRMoldingMachineCtrl& catalogue,
                           const MachineSectionFormat<Record>& format) {
     const qzr::bank::CatalogueWalk walk(catalogue);
-    SectionText<Record> section(format);
     for (int index = 0; index < walk.TotalMachine(); ++index) {
+        walk.Prefetch<Record>(index + CatalogueWalk::kPrefetchDistance);
         if (const Record* machine = walk.Fetch<Record>(index)) {
-            out.Write(section.Of(index + 1, *machine));
+            WriteSection(out, format, index + 1, *machine);
         }
     }
 }
