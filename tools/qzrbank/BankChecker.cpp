@@ -1,12 +1,15 @@
 #include "BankChecker.h"
 
 #include <algorithm>
-#include <map>
+#include <functional>
+#include <tuple>
+#include <utility>
 
 #include <QZRMachine/QZRMoldingMachineCtrl.h>
 
 #include "BankFiles.h"
 #include "MachineDetails.h"
+#include "bank/CatalogueWalk.h"
 
 namespace qzrbank {
 
@@ -14,92 +17,181 @@ namespace {
 
 // Name-rule buckets: the library folds names with the C library's lower-casing, which is
 // plain ASCII folding in the "C" locale; the record's own comparison then decides.
-std::string FoldedName(const CQZRMoldingMachine& machine) {
-    std::string key = std::string(machine.GetMaker()) + '\n' + machine.GetGrade();
-    for (char& c : key) {
+void FoldName(const CQZRMoldingMachine& machine, std::string* key) {
+    key->assign(machine.GetMaker());
+    *key += '\n';
+    *key += machine.GetGrade();
+    for (char& c : *key) {
         if (c >= 'A' && c <= 'Z') {
             c = static_cast<char>(c - 'A' + 'a');
         }
     }
-    return key;
 }
 
-std::string Where(const MachineOrigin& origin, const MachineOrigin& from) {
-    return "line " + std::to_string(origin.line) +
-           (origin.path == from.path ? std::string() : " of " + NativePath(origin.path));
+// Machines of one kind in load order, read in place: the catalogue issues machine ids in
+// ascending order, and a machine's index breaks ties as a stable sort would.
+template <class Record>
+std::vector<const Record*> InLoadOrder(const CQZRMoldingMachineCtrl& catalogue) {
+    const qzr::bank::CatalogueWalk walk(catalogue);
+    std::vector<std::pair<int, const Record*>> byId;
+    byId.reserve(static_cast<size_t>(walk.TotalMachine()));
+    for (int index = 0; index < walk.TotalMachine(); ++index) {
+        if (const Record* machine = walk.Fetch<Record>(index)) {
+            byId.emplace_back(machine->GetMachineID(), machine);
+        }
+    }
+    std::stable_sort(byId.begin(), byId.end(),
+                     [](const auto& a, const auto& b) { return a.first < b.first; });
+    std::vector<const Record*> machines;
+    machines.reserve(byId.size());
+    for (const auto& entry : byId) {
+        machines.push_back(entry.second);
+    }
+    return machines;
+}
+
+constexpr size_t kNoMatch = static_cast<size_t>(-1);
+
+// For every machine, the first earlier machine of its folded name that the name rule takes for
+// the same name, among those that matched none before them; kNoMatch when there is none.
+// Machines are grouped by a hash of their folded name, so that only machines that share one
+// are compared.
+template <class Record>
+std::vector<size_t> FirstOfSameName(const std::vector<const Record*>& machines) {
+    std::vector<std::pair<size_t, size_t>> byHash(machines.size());
+    std::string key;
+    for (size_t j = 0; j < machines.size(); ++j) {
+        FoldName(*machines[j], &key);
+        byHash[j] = {std::hash<std::string>()(key), j};
+    }
+    std::sort(byHash.begin(), byHash.end());
+    std::vector<size_t> match(machines.size(), kNoMatch);
+    std::vector<size_t> firsts;
+    std::string firstKey;
+    for (size_t start = 0, end = 0; start < byHash.size(); start = end) {
+        end = start + 1;
+        while (end < byHash.size() && byHash[end].first == byHash[start].first) {
+            ++end;
+        }
+        firsts.clear();
+        for (size_t k = start; end - start > 1 && k < end; ++k) {
+            const size_t j = byHash[k].second;
+            FoldName(*machines[j], &key);
+            const auto same = std::find_if(firsts.begin(), firsts.end(), [&](size_t i) {
+                FoldName(*machines[i], &firstKey);
+                return firstKey == key && machines[i]->IsNameIdentity(*machines[j]);
+            });
+            if (same == firsts.end()) {
+                firsts.push_back(j);
+            } else {
+                match[j] = *same;
+            }
+        }
+    }
+    return match;
+}
+
+// "line N", and the file when it is not the one of the finding.
+void AppendWhere(const MachineOrigin& origin, const MachineOrigin& from,
+                 const std::vector<std::string>& paths, std::string* text) {
+    *text += "line " + std::to_string(origin.line);
+    if (paths[origin.path] != paths[from.path]) {
+        *text += " of " + NativePath(paths[origin.path]);
+    }
 }
 
 // Machines are in load order, and origins[first + i] is where machine i was read.
 template <class Record>
-void ReportSameNames(const std::vector<Record>& machines, const std::vector<MachineOrigin>& origins,
+void ReportSameNames(const std::vector<const Record*>& machines, const LoadWatcher& watcher,
                      size_t first, std::vector<Finding>* findings) {
-    std::map<std::string, std::vector<size_t>> byName;
+    const std::vector<MachineOrigin>& origins = watcher.Origins();
+    const std::vector<size_t> match = FirstOfSameName(machines);
     for (size_t j = 0; j < machines.size(); ++j) {
-        std::vector<size_t>& same = byName[FoldedName(machines[j])];
-        const auto match = std::find_if(same.begin(), same.end(), [&](size_t i) {
-            return machines[i].IsNameIdentity(machines[j]);
-        });
-        if (match == same.end()) {
-            same.push_back(j);
+        if (match[j] == kNoMatch) {
             continue;
         }
-        const bool identical = machines[*match].IsMachineIdentity(machines[j]);
+        const bool identical = machines[match[j]]->IsMachineIdentity(*machines[j]);
         const MachineOrigin& where = origins[first + j];
-        findings->push_back(
-            {where.path, where.line, Severity::kWarning,
-             identical ? "duplicate-machine" : "same-name",
-             Quoted(DisplayName(machines[j])) +
-                 (identical ? " repeats the machine of " : " has the maker and grade of ") +
-                 Where(origins[first + *match], where) +
-                 (identical ? ""
-                            : " with other data: lookups by maker and grade find only "
-                              "the first")});
+        std::string message = Quoted(DisplayName(*machines[j]));
+        message += identical ? " repeats the machine of " : " has the maker and grade of ";
+        AppendWhere(origins[first + match[j]], where, watcher.OriginPaths(), &message);
+        if (!identical) {
+            message += " with other data: lookups by maker and grade find only the first";
+        }
+        findings->push_back({watcher.OriginPaths()[where.path], where.line, Severity::kWarning,
+                             identical ? "duplicate-machine" : "same-name", std::move(message)});
     }
-}
-
-template <class Record>
-std::vector<Record> InLoadOrder(std::vector<Record> machines) {
-    std::stable_sort(machines.begin(), machines.end(), [](const Record& a, const Record& b) {
-        return a.GetMachineID() < b.GetMachineID();
-    });
-    return machines;
 }
 
 // The injection-moulding catalogue is loaded before the transfer-moulding one, so its
 // machines come first among the origins.
 void ReportSameNames(const CQZRMoldingMachineCtrl& imm, const CQZRMoldingMachineCtrl& rtm,
                      const LoadWatcher& watcher, std::vector<Finding>* findings) {
-    const std::vector<CQZRIM> immMachines = InLoadOrder(IMMMachines(imm));
-    const std::vector<CQZRRTM> rtmMachines = InLoadOrder(RTMMachines(rtm));
-    const std::vector<MachineOrigin>& origins = watcher.Origins();
-    if (immMachines.size() + rtmMachines.size() != origins.size()) {
+    const std::vector<const CQZRIM*> immMachines = InLoadOrder<CQZRIM>(imm);
+    const std::vector<const CQZRRTM*> rtmMachines = InLoadOrder<CQZRRTM>(rtm);
+    if (immMachines.size() + rtmMachines.size() != watcher.Origins().size()) {
         return;  // a machine the catalogue did not take: origins and machines do not pair
     }
-    ReportSameNames(immMachines, origins, 0, findings);
-    ReportSameNames(rtmMachines, origins, immMachines.size(), findings);
+    ReportSameNames(immMachines, watcher, 0, findings);
+    ReportSameNames(rtmMachines, watcher, immMachines.size(), findings);
 }
 
-CheckResult Finish(const LoadWatcher& watcher, const CQZRMoldingMachineCtrl& imm,
+// Paths as the platform writes them; a load's findings mostly name one file after another.
+void UseNativePaths(std::vector<Finding>* findings) {
+    std::string raw;
+    std::string native;
+    for (Finding& finding : *findings) {
+        if (finding.path != raw || raw.empty()) {
+            raw = finding.path;
+            native = NativePath(raw);
+        }
+        finding.path = native;
+    }
+}
+
+// Files in load order (folders found in other letter case before them), lines in order, and
+// findings of one line in the order they were made.
+void SortByFileAndLine(const std::vector<WatchedFile>& files, std::vector<Finding>* findings) {
+    struct Place {
+        long file;
+        long line;
+        size_t made;
+        bool operator<(const Place& other) const {
+            return std::tie(file, line, made) < std::tie(other.file, other.line, other.made);
+        }
+    };
+    std::vector<Place> places;
+    places.reserve(findings->size());
+    const std::string* lastPath = nullptr;
+    long lastFile = -1;
+    for (const Finding& finding : *findings) {
+        if (lastPath == nullptr || *lastPath != finding.path) {
+            const auto file = std::find_if(
+                files.begin(), files.end(),
+                [&finding](const WatchedFile& seen) { return seen.path == finding.path; });
+            lastFile = file == files.end() ? -1 : static_cast<long>(file - files.begin());
+            lastPath = &finding.path;
+        }
+        places.push_back({lastFile, finding.line, places.size()});
+    }
+    std::sort(places.begin(), places.end());
+    std::vector<Finding> sorted;
+    sorted.reserve(findings->size());
+    for (const Place& place : places) {
+        sorted.push_back(std::move((*findings)[place.made]));
+    }
+    *findings = std::move(sorted);
+}
+
+CheckResult Finish(LoadWatcher& watcher, const CQZRMoldingMachineCtrl& imm,
                    const CQZRMoldingMachineCtrl& rtm) {
-    CheckResult result{watcher.Findings(), watcher.Files()};
+    CheckResult result{watcher.TakeFindings(), watcher.Files()};
     ReportSameNames(imm, rtm, watcher, &result.findings);
     for (WatchedFile& file : result.files) {
         file.path = NativePath(file.path);
     }
-    for (Finding& finding : result.findings) {
-        finding.path = NativePath(finding.path);
-    }
-    // Files in load order (folders found in other letter case before them), lines in order.
-    const auto rank = [&result](const Finding& finding) {
-        const auto file =
-            std::find_if(result.files.begin(), result.files.end(),
-                         [&finding](const WatchedFile& seen) { return seen.path == finding.path; });
-        const long position =
-            file == result.files.end() ? -1 : static_cast<long>(file - result.files.begin());
-        return std::make_pair(position, finding.line);
-    };
-    std::stable_sort(result.findings.begin(), result.findings.end(),
-                     [&rank](const Finding& a, const Finding& b) { return rank(a) < rank(b); });
+    UseNativePaths(&result.findings);
+    SortByFileAndLine(result.files, &result.findings);
     return result;
 }
 

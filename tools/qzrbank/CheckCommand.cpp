@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <system_error>
 
 #include "BankChecker.h"
@@ -21,8 +22,10 @@ namespace {
 constexpr char kStandardInput[] = "<stdin>";
 
 void Append(CheckResult part, CheckResult* all) {
-    all->findings.insert(all->findings.end(), part.findings.begin(), part.findings.end());
-    all->files.insert(all->files.end(), part.files.begin(), part.files.end());
+    all->findings.insert(all->findings.end(), std::make_move_iterator(part.findings.begin()),
+                         std::make_move_iterator(part.findings.end()));
+    all->files.insert(all->files.end(), std::make_move_iterator(part.files.begin()),
+                      std::make_move_iterator(part.files.end()));
 }
 
 // Standard input, checked as a file in a temporary folder and named "<stdin>".

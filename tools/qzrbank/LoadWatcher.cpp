@@ -49,6 +49,15 @@ void LoadWatcher::Report(std::string_view path, long line, Severity severity, co
     m_findings.push_back({std::string(path), line, severity, code, std::move(message)});
 }
 
+// A load reads its file's machines one after the other, so the path is nearly always the last
+// one seen.
+void LoadWatcher::AddOrigin(std::string_view path, long line) {
+    if (m_originPaths.empty() || m_originPaths.back() != path) {
+        m_originPaths.emplace_back(path);
+    }
+    m_origins.push_back({m_originPaths.size() - 1, line});
+}
+
 void LoadWatcher::OnHeader(const qzr::bank::HeaderSeen& seen) {
     m_rowsOf.clear();
     m_files.push_back({std::string(seen.path), seen.bankKind, seen.version, seen.format, seen.type,
@@ -69,7 +78,7 @@ void LoadWatcher::OnLegacyLine(const qzr::bank::LegacyLineSeen& seen) {
     using qzr::bank::LegacyLine;
     switch (seen.what) {
         case LegacyLine::kRowLoaded:
-            m_origins.push_back({std::string(seen.path), seen.line});
+            AddOrigin(seen.path, seen.line);
             return;
         case LegacyLine::kRowTooFewFields:
             Report(seen.path, seen.line, Severity::kError, "row-skipped",
@@ -112,7 +121,7 @@ void LoadWatcher::OnLegacyLine(const qzr::bank::LegacyLineSeen& seen) {
 
 void LoadWatcher::OnSection(const qzr::bank::SectionSeen& seen) {
     if (seen.loaded) {
-        m_origins.push_back({std::string(seen.path), seen.line});
+        AddOrigin(seen.path, seen.line);
     } else if (seen.line != 0) {
         Report(seen.path, seen.line, Severity::kError, "load-stops",
                SectionName(seen.number) +
@@ -121,8 +130,9 @@ void LoadWatcher::OnSection(const qzr::bank::SectionSeen& seen) {
 }
 
 void LoadWatcher::OnKeyFromLaterSection(const qzr::bank::KeyFromLaterSection& seen) {
-    const long sectionLine =
-        !m_origins.empty() && m_origins.back().path == seen.path ? m_origins.back().line : 0;
+    const long sectionLine = !m_origins.empty() && m_originPaths[m_origins.back().path] == seen.path
+                                 ? m_origins.back().line
+                                 : 0;
     Report(seen.path, sectionLine, Severity::kWarning, "key-from-later-section",
            SectionName(seen.number) + " has no " + Quoted(std::string(seen.key)) +
                ": the machine takes the value of line " + std::to_string(seen.line) +
