@@ -1,6 +1,7 @@
 #include "BankChecker.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <functional>
 #include <tuple>
 #include <utility>
@@ -8,7 +9,6 @@
 #include <QZRMachine/QZRMoldingMachineCtrl.h>
 
 #include "BankFiles.h"
-#include "MachineDetails.h"
 #include "bank/CatalogueWalk.h"
 
 namespace qzrbank {
@@ -17,15 +17,34 @@ namespace {
 
 // Name-rule buckets: the library folds names with the C library's lower-casing, which is
 // plain ASCII folding in the "C" locale; the record's own comparison then decides.
+char FoldAscii(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+// The bucket's key: maker and grade folded, a line feed between them.
 void FoldName(const CQZRMoldingMachine& machine, std::string* key) {
     key->assign(machine.GetMaker());
     *key += '\n';
     *key += machine.GetGrade();
     for (char& c : *key) {
-        if (c >= 'A' && c <= 'Z') {
-            c = static_cast<char>(c - 'A' + 'a');
-        }
+        c = FoldAscii(c);
     }
+}
+
+// FNV-1a of the bytes FoldName gives, without forming them.
+uint64_t FoldedNameHash(const CQZRMoldingMachine& machine) {
+    uint64_t hash = 14695981039346656037ULL;
+    const auto add = [&hash](char c) {
+        hash = (hash ^ static_cast<unsigned char>(FoldAscii(c))) * 1099511628211ULL;
+    };
+    for (const char* c = machine.GetMaker(); *c != '\0'; ++c) {
+        add(*c);
+    }
+    add('\n');
+    for (const char* c = machine.GetGrade(); *c != '\0'; ++c) {
+        add(*c);
+    }
+    return hash;
 }
 
 // Machines of one kind in load order, read in place: the catalogue issues machine ids in
@@ -58,16 +77,16 @@ constexpr size_t kNoMatch = static_cast<size_t>(-1);
 // are compared.
 template <class Record>
 std::vector<size_t> FirstOfSameName(const std::vector<const Record*>& machines) {
-    std::vector<std::pair<size_t, size_t>> byHash(machines.size());
-    std::string key;
+    std::vector<std::pair<uint64_t, size_t>> byHash(machines.size());
     for (size_t j = 0; j < machines.size(); ++j) {
-        FoldName(*machines[j], &key);
-        byHash[j] = {std::hash<std::string>()(key), j};
+        byHash[j] = {FoldedNameHash(*machines[j]), j};
     }
     std::sort(byHash.begin(), byHash.end());
     std::vector<size_t> match(machines.size(), kNoMatch);
+    // The machines of one hash that matched none before them, and their keys.
     std::vector<size_t> firsts;
-    std::string firstKey;
+    std::vector<std::string> firstKeys;
+    std::string key;
     for (size_t start = 0, end = 0; start < byHash.size(); start = end) {
         end = start + 1;
         while (end < byHash.size() && byHash[end].first == byHash[start].first) {
@@ -77,15 +96,21 @@ std::vector<size_t> FirstOfSameName(const std::vector<const Record*>& machines) 
         for (size_t k = start; end - start > 1 && k < end; ++k) {
             const size_t j = byHash[k].second;
             FoldName(*machines[j], &key);
-            const auto same = std::find_if(firsts.begin(), firsts.end(), [&](size_t i) {
-                FoldName(*machines[i], &firstKey);
-                return firstKey == key && machines[i]->IsNameIdentity(*machines[j]);
-            });
-            if (same == firsts.end()) {
-                firsts.push_back(j);
-            } else {
-                match[j] = *same;
+            size_t first = 0;
+            while (first < firsts.size() &&
+                   !(firstKeys[first] == key &&
+                     machines[firsts[first]]->IsNameIdentity(*machines[j]))) {
+                ++first;
             }
+            if (first < firsts.size()) {
+                match[j] = firsts[first];
+                continue;
+            }
+            firsts.push_back(j);
+            if (firstKeys.size() < firsts.size()) {
+                firstKeys.emplace_back();
+            }
+            firstKeys[first] = key;
         }
     }
     return match;
@@ -94,7 +119,8 @@ std::vector<size_t> FirstOfSameName(const std::vector<const Record*>& machines) 
 // "line N", and the file when it is not the one of the finding.
 void AppendWhere(const MachineOrigin& origin, const MachineOrigin& from,
                  const std::vector<std::string>& paths, std::string* text) {
-    *text += "line " + std::to_string(origin.line);
+    *text += "line ";
+    *text += std::to_string(origin.line);
     if (paths[origin.path] != paths[from.path]) {
         *text += " of " + NativePath(paths[origin.path]);
     }
@@ -106,13 +132,18 @@ void ReportSameNames(const std::vector<const Record*>& machines, const LoadWatch
                      size_t first, std::vector<Finding>* findings) {
     const std::vector<MachineOrigin>& origins = watcher.Origins();
     const std::vector<size_t> match = FirstOfSameName(machines);
+    std::string name;
     for (size_t j = 0; j < machines.size(); ++j) {
         if (match[j] == kNoMatch) {
             continue;
         }
-        const bool identical = machines[match[j]]->IsMachineIdentity(*machines[j]);
+        const Record& machine = *machines[j];
+        const bool identical = machines[match[j]]->IsMachineIdentity(machine);
         const MachineOrigin& where = origins[first + j];
-        std::string message = Quoted(DisplayName(*machines[j]));
+        name.assign(machine.GetMaker()).append(" - ").append(machine.GetGrade());
+        std::string message;
+        message.reserve(160);
+        AppendQuoted(name, &message);
         message += identical ? " repeats the machine of " : " has the maker and grade of ";
         AppendWhere(origins[first + match[j]], where, watcher.OriginPaths(), &message);
         if (!identical) {
@@ -173,6 +204,9 @@ void SortByFileAndLine(const std::vector<WatchedFile>& files, std::vector<Findin
             lastPath = &finding.path;
         }
         places.push_back({lastFile, finding.line, places.size()});
+    }
+    if (std::is_sorted(places.begin(), places.end())) {
+        return;
     }
     std::sort(places.begin(), places.end());
     std::vector<Finding> sorted;

@@ -108,9 +108,16 @@ bool CheckTarget(const std::string& target, std::istream& in, CheckResult* all,
 }
 
 void PrintText(const CheckResult& result, std::ostream& out) {
+    std::string line;
     for (const Finding& finding : result.findings) {
-        out << Location(finding) << ": " << SeverityName(finding.severity) << ": "
-            << finding.message << '\n';
+        line.clear();
+        AppendLocation(finding, &line);
+        line += ": ";
+        line += SeverityName(finding.severity);
+        line += ": ";
+        line += finding.message;
+        line += '\n';
+        out << line;
     }
     for (const WatchedFile& file : result.files) {
         const bool clean =

@@ -22,26 +22,43 @@ const char* SeverityName(Severity severity) {
     return severity == Severity::kError ? "error" : "warning";
 }
 
-std::string Location(const Finding& finding) {
-    return finding.line > 0 ? finding.path + ':' + std::to_string(finding.line) : finding.path;
+void AppendLocation(const Finding& finding, std::string* text) {
+    *text += finding.path;
+    if (finding.line > 0) {
+        *text += ':';
+        *text += std::to_string(finding.line);
+    }
 }
 
-std::string Quoted(const std::string& text) {
-    std::string quoted = "\"";
+std::string Location(const Finding& finding) {
+    std::string text;
+    AppendLocation(finding, &text);
+    return text;
+}
+
+void AppendQuoted(std::string_view text, std::string* quoted) {
+    *quoted += '"';
     for (const char c : text) {
         const unsigned char byte = static_cast<unsigned char>(c);
         if (c == '"' || c == '\\') {
-            quoted += '\\';
-            quoted += c;
+            *quoted += '\\';
+            *quoted += c;
         } else if (byte < 0x20 || byte == 0x7f) {
             char escape[8];
             std::snprintf(escape, sizeof escape, "\\x%02x", byte);
-            quoted += escape;
+            *quoted += escape;
         } else {
-            quoted += c;
+            *quoted += c;
         }
     }
-    return quoted + "\"";
+    *quoted += '"';
+}
+
+std::string Quoted(const std::string& text) {
+    std::string quoted;
+    quoted.reserve(text.size() + 2);
+    AppendQuoted(text, &quoted);
+    return quoted;
 }
 
 void LoadWatcher::Report(std::string_view path, long line, Severity severity, const char* code,
