@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <functional>
 #include <tuple>
 #include <utility>
 
@@ -47,74 +46,92 @@ uint64_t FoldedNameHash(const CQZRMoldingMachine& machine) {
     return hash;
 }
 
-// Machines of one kind in load order, read in place: the catalogue issues machine ids in
-// ascending order, and a machine's index breaks ties as a stable sort would.
+// A machine read in place in the catalogue, and the hash of its folded name (taken while the
+// walk has the record at hand: the catalogue's records are spread over the heap).
 template <class Record>
-std::vector<const Record*> InLoadOrder(const CQZRMoldingMachineCtrl& catalogue) {
+struct SeenMachine {
+    int id;
+    const Record* record;
+    uint64_t nameHash;
+};
+
+// Machines of one kind in load order: the catalogue issues machine ids in ascending order, and
+// a machine's index breaks ties as a stable sort would.
+template <class Record>
+std::vector<SeenMachine<Record>> InLoadOrder(const CQZRMoldingMachineCtrl& catalogue) {
     const qzr::bank::CatalogueWalk walk(catalogue);
-    std::vector<std::pair<int, const Record*>> byId;
-    byId.reserve(static_cast<size_t>(walk.TotalMachine()));
+    std::vector<SeenMachine<Record>> machines;
+    machines.reserve(static_cast<size_t>(walk.TotalMachine()));
     for (int index = 0; index < walk.TotalMachine(); ++index) {
         if (const Record* machine = walk.Fetch<Record>(index)) {
-            byId.emplace_back(machine->GetMachineID(), machine);
+            machines.push_back({machine->GetMachineID(), machine, FoldedNameHash(*machine)});
         }
     }
-    std::stable_sort(byId.begin(), byId.end(),
-                     [](const auto& a, const auto& b) { return a.first < b.first; });
-    std::vector<const Record*> machines;
-    machines.reserve(byId.size());
-    for (const auto& entry : byId) {
-        machines.push_back(entry.second);
-    }
+    std::stable_sort(machines.begin(), machines.end(),
+                     [](const auto& a, const auto& b) { return a.id < b.id; });
     return machines;
 }
 
-constexpr size_t kNoMatch = static_cast<size_t>(-1);
+constexpr size_t kNone = static_cast<size_t>(-1);
 
-// For every machine, the first earlier machine of its folded name that the name rule takes for
-// the same name, among those that matched none before them; kNoMatch when there is none.
-// Machines are grouped by a hash of their folded name, so that only machines that share one
-// are compared.
+// The search for machines that repeat an earlier machine's name, machine after machine in load
+// order. The machines that matched none before them are kept by the hash of their folded name:
+// an open-addressing table holds the first of each hash, the others of that hash are chained
+// behind it in load order, and only machines of one hash are compared.
 template <class Record>
-std::vector<size_t> FirstOfSameName(const std::vector<const Record*>& machines) {
-    std::vector<std::pair<uint64_t, size_t>> byHash(machines.size());
-    for (size_t j = 0; j < machines.size(); ++j) {
-        byHash[j] = {FoldedNameHash(*machines[j]), j};
-    }
-    std::sort(byHash.begin(), byHash.end());
-    std::vector<size_t> match(machines.size(), kNoMatch);
-    // The machines of one hash that matched none before them, and their keys.
-    std::vector<size_t> firsts;
-    std::vector<std::string> firstKeys;
-    std::string key;
-    for (size_t start = 0, end = 0; start < byHash.size(); start = end) {
-        end = start + 1;
-        while (end < byHash.size() && byHash[end].first == byHash[start].first) {
-            ++end;
+class SameNameSearch {
+  public:
+    explicit SameNameSearch(const std::vector<SeenMachine<Record>>& machines)
+        : m_machines(machines), m_next(machines.size(), kNone) {
+        size_t slots = 16;
+        while (slots < 2 * machines.size()) {
+            slots *= 2;
         }
-        firsts.clear();
-        for (size_t k = start; end - start > 1 && k < end; ++k) {
-            const size_t j = byHash[k].second;
-            FoldName(*machines[j], &key);
-            size_t first = 0;
-            while (first < firsts.size() &&
-                   !(firstKeys[first] == key &&
-                     machines[firsts[first]]->IsNameIdentity(*machines[j]))) {
-                ++first;
-            }
-            if (first < firsts.size()) {
-                match[j] = firsts[first];
-                continue;
-            }
-            firsts.push_back(j);
-            if (firstKeys.size() < firsts.size()) {
-                firstKeys.emplace_back();
-            }
-            firstKeys[first] = key;
-        }
+        m_slots.resize(slots);
     }
-    return match;
-}
+
+    // The first earlier machine of machine j's folded name that the name rule takes for the
+    // same name, among those that matched none before them; kNone when there is none, and j
+    // joins them.
+    size_t EarlierOf(size_t j) {
+        const Record& machine = *m_machines[j].record;
+        size_t* link = &Head(m_machines[j].nameHash);
+        if (*link != kNone) {
+            FoldName(machine, &m_key);
+        }
+        for (; *link != kNone; link = &m_next[*link]) {
+            const Record& earlier = *m_machines[*link].record;
+            FoldName(earlier, &m_earlierKey);
+            if (m_earlierKey == m_key && earlier.IsNameIdentity(machine)) {
+                return *link;
+            }
+        }
+        *link = j;
+        return kNone;
+    }
+
+  private:
+    struct Slot {
+        uint64_t hash = 0;
+        size_t first = kNone;
+    };
+
+    size_t& Head(uint64_t hash) {
+        const size_t mask = m_slots.size() - 1;
+        size_t slot = static_cast<size_t>(hash) & mask;
+        while (m_slots[slot].first != kNone && m_slots[slot].hash != hash) {
+            slot = (slot + 1) & mask;
+        }
+        m_slots[slot].hash = hash;
+        return m_slots[slot].first;
+    }
+
+    const std::vector<SeenMachine<Record>>& m_machines;
+    std::vector<Slot> m_slots;
+    std::vector<size_t> m_next;  // the next machine of the same hash that matched none before it
+    std::string m_key;
+    std::string m_earlierKey;
+};
 
 // "line N", and the file when it is not the one of the finding.
 void AppendWhere(const MachineOrigin& origin, const MachineOrigin& from,
@@ -126,31 +143,43 @@ void AppendWhere(const MachineOrigin& origin, const MachineOrigin& from,
     }
 }
 
-// Machines are in load order, and origins[first + i] is where machine i was read.
+// Machines are in load order, and origins[first + i] is where machine i was read. The
+// repeats are found first, so that the findings are made in a vector of their own size.
 template <class Record>
-void ReportSameNames(const std::vector<const Record*>& machines, const LoadWatcher& watcher,
+void ReportSameNames(const std::vector<SeenMachine<Record>>& machines, const LoadWatcher& watcher,
                      size_t first, std::vector<Finding>* findings) {
-    const std::vector<MachineOrigin>& origins = watcher.Origins();
-    const std::vector<size_t> match = FirstOfSameName(machines);
-    std::string name;
+    struct Repeat {
+        size_t machine;
+        size_t earlier;
+        bool identical;
+    };
+    std::vector<Repeat> repeats;
+    SameNameSearch<Record> search(machines);
     for (size_t j = 0; j < machines.size(); ++j) {
-        if (match[j] == kNoMatch) {
-            continue;
+        const size_t earlier = search.EarlierOf(j);
+        if (earlier != kNone) {
+            repeats.push_back(
+                {j, earlier, machines[earlier].record->IsMachineIdentity(*machines[j].record)});
         }
-        const Record& machine = *machines[j];
-        const bool identical = machines[match[j]]->IsMachineIdentity(machine);
-        const MachineOrigin& where = origins[first + j];
+    }
+    findings->reserve(findings->size() + repeats.size());
+    const std::vector<MachineOrigin>& origins = watcher.Origins();
+    std::string name;
+    for (const Repeat& repeat : repeats) {
+        const Record& machine = *machines[repeat.machine].record;
+        const MachineOrigin& where = origins[first + repeat.machine];
         name.assign(machine.GetMaker()).append(" - ").append(machine.GetGrade());
         std::string message;
         message.reserve(160);
         AppendQuoted(name, &message);
-        message += identical ? " repeats the machine of " : " has the maker and grade of ";
-        AppendWhere(origins[first + match[j]], where, watcher.OriginPaths(), &message);
-        if (!identical) {
+        message += repeat.identical ? " repeats the machine of " : " has the maker and grade of ";
+        AppendWhere(origins[first + repeat.earlier], where, watcher.OriginPaths(), &message);
+        if (!repeat.identical) {
             message += " with other data: lookups by maker and grade find only the first";
         }
         findings->push_back({watcher.OriginPaths()[where.path], where.line, Severity::kWarning,
-                             identical ? "duplicate-machine" : "same-name", std::move(message)});
+                             repeat.identical ? "duplicate-machine" : "same-name",
+                             std::move(message)});
     }
 }
 
@@ -158,8 +187,8 @@ void ReportSameNames(const std::vector<const Record*>& machines, const LoadWatch
 // machines come first among the origins.
 void ReportSameNames(const CQZRMoldingMachineCtrl& imm, const CQZRMoldingMachineCtrl& rtm,
                      const LoadWatcher& watcher, std::vector<Finding>* findings) {
-    const std::vector<const CQZRIM*> immMachines = InLoadOrder<CQZRIM>(imm);
-    const std::vector<const CQZRRTM*> rtmMachines = InLoadOrder<CQZRRTM>(rtm);
+    const auto immMachines = InLoadOrder<CQZRIM>(imm);
+    const auto rtmMachines = InLoadOrder<CQZRRTM>(rtm);
     if (immMachines.size() + rtmMachines.size() != watcher.Origins().size()) {
         return;  // a machine the catalogue did not take: origins and machines do not pair
     }

@@ -22,6 +22,10 @@ namespace {
 constexpr char kStandardInput[] = "<stdin>";
 
 void Append(CheckResult part, CheckResult* all) {
+    if (all->findings.empty() && all->files.empty()) {
+        *all = std::move(part);
+        return;
+    }
     all->findings.insert(all->findings.end(), std::make_move_iterator(part.findings.begin()),
                          std::make_move_iterator(part.findings.end()));
     all->files.insert(all->files.end(), std::make_move_iterator(part.files.begin()),
@@ -169,7 +173,7 @@ int RunCheck(const CheckOptions& options, std::istream& in, std::ostream& out, s
     }
     // Messages quote bank texts; a finding is reported whatever bytes it quotes.
     for (Finding& finding : all.findings) {
-        finding.message = encoding->DecodeOrEscape(finding.message);
+        encoding->DecodeOrEscapeInPlace(&finding.message);
     }
     if (options.format == "text") {
         PrintText(all, out);

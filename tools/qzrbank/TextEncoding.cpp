@@ -1,5 +1,7 @@
 #include "TextEncoding.h"
 
+#include <algorithm>
+
 #include "platform/CaseFolding.h"
 #include "platform/CodePage.h"
 
@@ -160,6 +162,14 @@ std::string TextEncoding::DecodeOrEscape(std::string_view bytes) const {
         bytes.remove_prefix(decoded.badOffset + 1);
     }
     return text;
+}
+
+void TextEncoding::DecodeOrEscapeInPlace(std::string* text) const {
+    const bool ascii = std::all_of(text->begin(), text->end(),
+                                   [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+    if (!ascii || m_codePage == CodePage::Cp932) {
+        *text = DecodeOrEscape(*text);
+    }
 }
 
 std::string TextEncoding::ByteError(std::string_view bytes, size_t offset) const {
