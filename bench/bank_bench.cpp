@@ -1,11 +1,12 @@
 // Loads, saves and catalogue walks at N = 1,000, 10,000 and 100,000 machines, each timed with
 // Google Benchmark (medians of repetitions) and set against a reference pass that reads the
-// same file in 128 KiB chunks and splits it into lines with memchr. Peak memory is measured
-// once per case in a child process of its own (see MemoryProbe). At the end one table gives
-// every result.
+// same file in 128 KiB chunks and splits it into lines with memchr; and "qzrbank check" of a
+// legacy bank of a million rows against the library's load of the same file. Peak memory and
+// a load from a file out of the page cache are measured once per case in a child process of
+// its own (see MemoryProbe). At the end one table gives every result.
 //
-//   qzr_bench [--sizes=1000,10000,100000] [--data=DIR] [--repetitions=5] [--min-time=0.3]
-//             [--no-memory] [benchmark flags]
+//   qzr_bench [--sizes=1000,10000,100000] [--check-rows=1000000] [--data=DIR]
+//             [--repetitions=5] [--min-time=0.3] [--no-memory] [benchmark flags]
 #include <fcntl.h>
 #include <malloc.h>
 #include <sys/wait.h>
@@ -31,6 +32,11 @@
 #include <QZRMachine/QZRMachine.h>
 
 #include "BankGenerator.h"
+#if defined(QZR_BENCH_WITH_CHECK)
+#include <sstream>
+
+#include "Commands.h"
+#endif
 
 // -------------------------------------------------------------------------------------------
 // Heap accounting: every operator new/delete of the process (the library's included, since the
@@ -122,6 +128,7 @@ const char kCreateDate[] = "Mon Jan  6 08:00:00 2025\n";
 
 struct Options {
     std::vector<std::size_t> sizes{1000, 10000, 100000};
+    std::size_t checkRows = 1000000;  // rows of the legacy bank that "qzrbank check" reads
     std::string dataDir;
     int repetitions = 5;
     double minTime = 0.3;
@@ -139,6 +146,8 @@ struct Options {
 
 struct SizeData {
     std::size_t n = 0;
+    bool standard = true;  // a size of --sizes: every case runs at it
+    bool check = false;    // the size of --check-rows: the check and its comparisons run at it
     fs::path dir;
     std::string sectionedUser;  // User-IMM.bnk
     std::string systemPattern;  // Machine/IMM/*.bnk
@@ -170,9 +179,13 @@ void Require(bool ok, const std::string& what) {
     }
 }
 
-SizeData PrepareSize(const fs::path& root, std::size_t n) {
+// The files of the cases that run at this size are made: a size for the check alone has only
+// the legacy bank.
+SizeData PrepareSize(const fs::path& root, std::size_t n, bool standard, bool check) {
     SizeData data;
     data.n = n;
+    data.standard = standard;
+    data.check = check;
     data.dir = root / std::to_string(n);
     fs::create_directories(data.dir / "Machine" / "IMM");
     fs::create_directories(data.dir / "Bank");
@@ -191,9 +204,12 @@ SizeData PrepareSize(const fs::path& root, std::size_t n) {
             Require(qzr::bench::WriteBankFile(path, text()), "cannot write " + path);
         }
     };
+    make(data.legacyUser, [n] { return qzr::bench::LegacyUserBankText(0, n); });
+    if (!standard) {
+        return data;
+    }
     make(data.sectionedUser,
          [n] { return qzr::bench::SectionedIMMBankText(1, 0, n, kCreateDate); });
-    make(data.legacyUser, [n] { return qzr::bench::LegacyUserBankText(0, n); });
     const std::size_t perFile = (n + kSystemBankFiles - 1) / kSystemBankFiles;
     for (std::size_t file = 0; file < kSystemBankFiles; ++file) {
         const std::size_t first = file * perFile;
@@ -248,14 +264,27 @@ struct CaseState {
     CQZRMoldingMachineIO io;
 };
 
+// The sizes a case runs at.
+enum class Sizes { kStandard, kCheck, kBoth };
+
+using Inputs = std::function<std::vector<std::string>(const SizeData&)>;
+const Inputs kReadsNoFile;
+
 struct Case {
     std::string name;           // e.g. "load sectioned user"
-    std::string referenceName;  // the reference pass this case is compared with
+    std::string referenceName;  // the case this one is compared with (a reference pass)
     bool isReference = false;
     // Makes the state the operation starts from.
     std::function<void(const SizeData&, CaseState&)> setup;
     // Runs the operation once.
     std::function<Work(const SizeData&, CaseState&)> run;
+    // The files the operation reads, which the cold run first drops from the page cache.
+    Inputs inputs;
+    Sizes sizes = Sizes::kStandard;
+
+    bool RunsAt(const SizeData& data) const {
+        return sizes == Sizes::kBoth || (sizes == Sizes::kStandard ? data.standard : data.check);
+    }
 };
 
 void FreshCatalogue(const SizeData&, CaseState& state) {
@@ -278,6 +307,10 @@ uint64_t Loaded(const CaseState& state) {
     return static_cast<uint64_t>(state.catalogue->GetTotalMachine());
 }
 
+std::vector<std::string> LegacyInput(const SizeData& data) {
+    return {data.legacyUser};
+}
+
 Work ReferenceOf(const std::vector<std::string>& paths) {
     Work work;
     for (const std::string& path : paths) {
@@ -292,56 +325,82 @@ std::vector<Case> Cases() {
     std::vector<Case> cases;
     auto noSetup = [](const SizeData&, CaseState&) {};
     cases.push_back({"reference: sectioned user file", "", true, noSetup,
-                     [](const SizeData& d, CaseState&) { return ReferenceOf({d.sectionedUser}); }});
+                     [](const SizeData& d, CaseState&) { return ReferenceOf({d.sectionedUser}); },
+                     kReadsNoFile, Sizes::kStandard});
     cases.push_back({"reference: system folder files", "", true, noSetup,
-                     [](const SizeData& d, CaseState&) { return ReferenceOf(d.systemFiles); }});
+                     [](const SizeData& d, CaseState&) { return ReferenceOf(d.systemFiles); },
+                     kReadsNoFile, Sizes::kStandard});
     cases.push_back({"reference: legacy user file", "", true, noSetup,
-                     [](const SizeData& d, CaseState&) { return ReferenceOf({d.legacyUser}); }});
-    cases.push_back({"load sectioned user bank", "reference: sectioned user file", false,
-                     FreshCatalogue, [](const SizeData& d, CaseState& s) {
-                         Require(
-                             s.io.LoadIMMUserDatabase(d.sectionedUser.c_str(), s.catalogue.get()),
-                             "sectioned user load failed");
-                         return Work{FileBytes(d.sectionedUser), Loaded(s)};
-                     }});
-    cases.push_back({"load sectioned system folder", "reference: system folder files", false,
-                     FreshCatalogue, [](const SizeData& d, CaseState& s) {
-                         Require(
-                             s.io.LoadIMMSystemDatabase(d.systemPattern.c_str(), s.catalogue.get()),
-                             "system folder load failed");
-                         return Work{FilesBytes(d.systemFiles), Loaded(s)};
-                     }});
+                     [](const SizeData& d, CaseState&) { return ReferenceOf({d.legacyUser}); },
+                     LegacyInput, Sizes::kBoth});
+    cases.push_back(
+        {"load sectioned user bank", "reference: sectioned user file", false, FreshCatalogue,
+         [](const SizeData& d, CaseState& s) {
+             Require(s.io.LoadIMMUserDatabase(d.sectionedUser.c_str(), s.catalogue.get()),
+                     "sectioned user load failed");
+             return Work{FileBytes(d.sectionedUser), Loaded(s)};
+         },
+         [](const SizeData& d) { return std::vector<std::string>{d.sectionedUser}; },
+         Sizes::kStandard});
+    cases.push_back(
+        {"load sectioned system folder", "reference: system folder files", false, FreshCatalogue,
+         [](const SizeData& d, CaseState& s) {
+             Require(s.io.LoadIMMSystemDatabase(d.systemPattern.c_str(), s.catalogue.get()),
+                     "system folder load failed");
+             return Work{FilesBytes(d.systemFiles), Loaded(s)};
+         },
+         [](const SizeData& d) { return d.systemFiles; }, Sizes::kStandard});
     cases.push_back({"load legacy user bank", "reference: legacy user file", false, FreshCatalogue,
                      [](const SizeData& d, CaseState& s) {
                          Require(
                              s.io.LoadOldIMMUserDatabase(d.legacyUser.c_str(), s.catalogue.get()),
                              "legacy user load failed");
                          return Work{FileBytes(d.legacyUser), Loaded(s)};
-                     }});
-    cases.push_back({"save sectioned user bank", "reference: sectioned user file", false,
-                     SectionedCatalogue, [](const SizeData& d, CaseState& s) {
-                         Require(
-                             s.io.SaveIMMUserDatabase(d.saveSectioned.c_str(), s.catalogue.get()),
-                             "sectioned save failed");
-                         return Work{FileBytes(d.saveSectioned), Loaded(s)};
-                     }});
+                     },
+                     LegacyInput, Sizes::kBoth});
+#if defined(QZR_BENCH_WITH_CHECK)
+    cases.push_back({"qzrbank check legacy user bank", "load legacy user bank", false, noSetup,
+                     [](const SizeData& d, CaseState&) {
+                         // The command as the tool's main runs it, its report kept in memory.
+                         qzrbank::CheckOptions options;
+                         options.targets = {d.legacyUser};
+                         std::istringstream in;
+                         std::ostringstream out;
+                         std::ostringstream err;
+                         const int code = qzrbank::RunCheck(options, in, out, err);
+                         Require(code == qzrbank::kExitOk || code == qzrbank::kExitNegative,
+                                 "qzrbank check failed: " + err.str());
+                         return Work{FileBytes(d.legacyUser), d.n};
+                     },
+                     LegacyInput, Sizes::kCheck});
+#endif
+    cases.push_back(
+        {"save sectioned user bank", "reference: sectioned user file", false, SectionedCatalogue,
+         [](const SizeData& d, CaseState& s) {
+             Require(s.io.SaveIMMUserDatabase(d.saveSectioned.c_str(), s.catalogue.get()),
+                     "sectioned save failed");
+             return Work{FileBytes(d.saveSectioned), Loaded(s)};
+         },
+         kReadsNoFile, Sizes::kStandard});
     cases.push_back(
         {"save legacy user bank", "reference: legacy user file", false, LegacyCatalogue,
          [](const SizeData& d, CaseState& s) {
              Require(s.io.SaveOldIMMUserDatabase(d.saveLegacyFolder.c_str(), s.catalogue.get()),
                      "legacy save failed");
              return Work{FileBytes(d.saveLegacyFile), Loaded(s)};
-         }});
-    cases.push_back(
-        {"walk by global index", "", false, SectionedCatalogue, [](const SizeData&, CaseState& s) {
-             CQZRIM machine;
-             const int total = s.catalogue->GetTotalMachine();
-             uint64_t got = 0;
-             for (int index = 0; index < total; ++index) {
-                 got += s.catalogue->GetCurrentMachine(index, machine) ? 1 : 0;
-             }
-             return Work{0, got};
-         }});
+         },
+         kReadsNoFile, Sizes::kStandard});
+    cases.push_back({"walk by global index", "", false, SectionedCatalogue,
+                     [](const SizeData&, CaseState& s) {
+                         CQZRIM machine;
+                         const int total = s.catalogue->GetTotalMachine();
+                         uint64_t got = 0;
+                         for (int index = 0; index < total; ++index) {
+                             got += s.catalogue->GetCurrentMachine(index, machine) ? 1 : 0;
+                         }
+                         return Work{0, got};
+                     },
+                     kReadsNoFile, Sizes::kStandard});
     cases.push_back({"name check (whole catalogue)", "", false, SectionedCatalogue,
                      [](const SizeData&, CaseState& s) {
                          // A name no machine has: the check walks every machine.
@@ -349,7 +408,8 @@ std::vector<Case> Cases() {
                              s.catalogue->IsMachineNameExist("Nobody Makes - This 0");
                          Require(!found, "name check found a name nobody has");
                          return Work{0, Loaded(s)};
-                     }});
+                     },
+                     kReadsNoFile, Sizes::kStandard});
     return cases;
 }
 
@@ -383,7 +443,12 @@ struct MemoryResult {
     double peakHeap = 0;      // bytes above the start, at the highest point
     double retainedHeap = 0;  // bytes above the start, after the operation
     double rssGrowth = 0;     // VmHWM after the operation minus VmRSS before it
-    double coldSeconds = 0;   // CPU time of this one run, in a process that ran nothing before
+    // CPU and wall time of this one run, in a process that ran nothing before, its input files
+    // (if any) first dropped from the page cache.
+    double coldSeconds = 0;
+    double coldWallSeconds = 0;
+    bool readsFiles = false;  // the operation has input files
+    bool evicted = false;     // and all of them were dropped from the page cache
 };
 
 long long StatusKiB(const char* field) {
@@ -413,24 +478,52 @@ void ResetRssHighWater() {
     }
 }
 
+// Drops a file's pages from the page cache, so that the next read comes from the disk: written
+// back first (fsync: dirty pages are not dropped), then advised away. False where the system
+// has no such advice or does not take it.
+bool DropFromPageCache(const std::string& path) {
+#if defined(POSIX_FADV_DONTNEED)
+    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) {
+        return false;
+    }
+    const bool dropped = ::fsync(fd) == 0 && ::posix_fadvise(fd, 0, 0, POSIX_FADV_DONTNEED) == 0;
+    ::close(fd);
+    return dropped;
+#else
+    static_cast<void>(path);
+    return false;
+#endif
+}
+
 // Runs in a process started for this one case (see MemoryProbe): sets the case up, measures
 // one run, and writes the figures to the given descriptor.
 void RunProbe(const Case& c, const SizeData& data, int out) {
     CaseState state;
     c.setup(data, state);
     ResetBetweenRuns(c, data, state);
+    MemoryResult measured;
+    measured.readsFiles = static_cast<bool>(c.inputs);
+    measured.evicted = measured.readsFiles;
+    if (c.inputs) {
+        for (const std::string& path : c.inputs(data)) {
+            measured.evicted = DropFromPageCache(path) && measured.evicted;
+        }
+    }
     // Only what is allocated from here on is counted, and freeing it counts back.
     g_counting = true;
     const long long startHeap = g_liveBytes;
     g_peakBytes = startHeap;
     ResetRssHighWater();
     const long long startRss = StatusKiB("VmRSS");
+    const Clock::time_point start = Clock::now();
     const double cpuStart = ThreadSeconds();
     c.run(data, state);
     const double cpuEnd = ThreadSeconds();
-    MemoryResult measured;
+    const Clock::time_point end = Clock::now();
     measured.valid = true;
     measured.coldSeconds = cpuEnd - cpuStart;
+    measured.coldWallSeconds = std::chrono::duration<double>(end - start).count();
     measured.peakHeap = static_cast<double>(g_peakBytes - startHeap);
     measured.retainedHeap = static_cast<double>(g_liveBytes - startHeap);
     measured.rssGrowth = static_cast<double>(StatusKiB("VmHWM") - startRss) * 1024.0;
@@ -574,46 +667,78 @@ std::string Rate(double perSecond) {
     return Fixed(perSecond / 1e3, 1) + "k";
 }
 
-// What each case must reach, as text and as a check on its results.
+// What each case must reach, as text and as a check on its results; no text where no target
+// is set.
 struct Target {
     const char* text;
     std::function<bool(const Timed& timed, double ratio)> holds;
 };
 
-Target TargetOf(const std::string& caseName) {
+std::function<bool(const Timed&, double)> RatioAtMost(double most) {
+    return [most](const Timed&, double ratio) { return ratio > 0 && ratio <= most; };
+}
+
+Target TargetOf(const std::string& caseName, std::size_t n) {
     if (caseName.rfind("load sectioned", 0) == 0) {
-        return {"<= 8x ref", [](const Timed&, double ratio) { return ratio > 0 && ratio <= 8.0; }};
+        return {"<= 8x ref", RatioAtMost(8.0)};
     }
     if (caseName == "load legacy user bank") {
+        if (n != 10000 && n != 100000) {
+            return {"", nullptr};
+        }
         return {">= 2M rows/s", [](const Timed& t, double) {
                     return t.seconds > 0 && t.work.machines / t.seconds >= 2e6;
                 }};
     }
-    if (caseName.rfind("save", 0) == 0) {
-        return {"<= 6x ref", [](const Timed&, double ratio) { return ratio > 0 && ratio <= 6.0; }};
+    if (caseName == "save sectioned user bank") {
+        return {"<= 5x ref", RatioAtMost(5.0)};
+    }
+    if (caseName == "save legacy user bank") {
+        return {"<= 6x ref", RatioAtMost(6.0)};
+    }
+    if (caseName.rfind("qzrbank check", 0) == 0) {
+        return {"<= 2x load", RatioAtMost(2.0)};
     }
     return {"linear", [](const Timed&, double) { return true; }};
 }
 
 // Loads: the peak stays within the finished catalogue plus the file's size. Saves: within
 // 1 MiB above the catalogue they start from.
-std::string MemoryVerdict(const std::string& caseName, const Timed& timed) {
-    if (!timed.memory.valid) {
-        return "-";
-    }
+struct MemoryTarget {
+    const char* text;
+    const char* met;
+};
+
+MemoryTarget MemoryTargetOf(const std::string& caseName, const Timed& timed) {
+    const MemoryResult& memory = timed.memory;
     if (caseName.rfind("load", 0) == 0) {
-        return timed.memory.peakHeap <= timed.memory.retainedHeap + timed.work.bytes ? "yes" : "NO";
+        return {"<= kept + file", !memory.valid ? "-"
+                                  : memory.peakHeap <= memory.retainedHeap + timed.work.bytes
+                                      ? "yes"
+                                      : "NO"};
     }
     if (caseName.rfind("save", 0) == 0) {
-        return timed.memory.peakHeap <= kMiB ? "yes" : "NO";
+        return {"<= catalogue + 1 MiB", !memory.valid             ? "-"
+                                        : memory.peakHeap <= kMiB ? "yes"
+                                                                  : "NO"};
     }
-    return "-";
+    return {"-", "-"};
+}
+
+// The cold run's time: "n/a" for an operation whose files could not be dropped from the page
+// cache.
+std::string ColdMilliseconds(const MemoryResult& memory, double seconds) {
+    if (!memory.valid) {
+        return "-";
+    }
+    return memory.readsFiles && !memory.evicted ? "n/a" : Fixed(seconds * 1e3, 2);
 }
 
 // One row of the table, its cells in the order of kColumns.
-const char* const kColumns[] = {"case",       "N",        "cpu ms",   "wall ms",  "MB/s",
-                                "machines/s", "ref ms",   "x ref",    "target",   "met",
-                                "peak MiB",   "kept MiB", "file MiB", "RSS+ MiB", "mem"};
+const char* const kColumns[] = {
+    "case",     "N",          "cpu ms",   "wall ms",  "cold cpu ms", "cold wall ms",
+    "MB/s",     "machines/s", "ref ms",   "x ref",    "target",      "met",
+    "peak MiB", "kept MiB",   "file MiB", "RSS+ MiB", "mem target",  "mem met"};
 
 void PrintRow(const std::vector<std::string>& cells) {
     std::string line = "|";
@@ -650,31 +775,36 @@ void PrintTable(const std::vector<Case>& cases, const std::vector<SizeData>& siz
             const double ratio = referenceSeconds > 0 ? t.seconds / referenceSeconds : 0;
             const double mbs = t.work.bytes > 0 ? t.work.bytes / kMiB / t.seconds : 0;
             const double perSecond = !c.isReference ? t.work.machines / t.seconds : 0;
-            const Target target = c.isReference ? Target{"", nullptr} : TargetOf(c.name);
+            const Target target = c.isReference ? Target{"", nullptr} : TargetOf(c.name, data.n);
+            const MemoryTarget memoryTarget = MemoryTargetOf(c.name, t);
             const bool memory = t.memory.valid;
             PrintRow(
                 {c.name, std::to_string(data.n), Fixed(t.seconds * 1e3, 2),
-                 Fixed(t.wallSeconds * 1e3, 2), memory ? Fixed(t.memory.coldSeconds * 1e3, 2) : "-",
+                 Fixed(t.wallSeconds * 1e3, 2), ColdMilliseconds(t.memory, t.memory.coldSeconds),
+                 ColdMilliseconds(t.memory, t.memory.coldWallSeconds),
                  mbs > 0 ? Fixed(mbs, 0) : "-", Rate(perSecond),
                  referenceSeconds > 0 ? Fixed(referenceSeconds * 1e3, 2) : "-",
                  ratio > 0 ? Fixed(ratio, 2) : "-", target.text,
                  target.holds ? (target.holds(t, ratio) ? "yes" : "NO") : "",
                  memory ? mib(t.memory.peakHeap) : "-", memory ? mib(t.memory.retainedHeap) : "-",
                  t.work.bytes > 0 ? mib(static_cast<double>(t.work.bytes)) : "-",
-                 memory ? mib(t.memory.rssGrowth) : "-", MemoryVerdict(c.name, t)});
+                 memory ? mib(t.memory.rssGrowth) : "-", memoryTarget.text, memoryTarget.met});
         }
     }
     std::printf(
         "\ncpu ms / wall ms: medians over the repetitions of one operation's CPU time (user and "
-        "system, of the thread) and wall time; cold ms: CPU time of the one run of the memory "
-        "probe,\nin a fresh process (every page first touched).\nx ref: CPU time over that of the "
-        "reference pass "
-        "on the same file(s) at the same N. machines/s: machines loaded, saved or visited.\n"
+        "system, of the thread) and wall time, the files in the page cache (just written or "
+        "read).\ncold cpu ms / cold wall ms: the one run of the memory probe, in a fresh process "
+        "(every page first touched), the files it reads first dropped from the page cache\n"
+        "(n/a where the system cannot drop them).\nx ref: CPU time over that of the reference "
+        "pass on the same file(s) at the same N; for qzrbank check, over the library's load of "
+        "the same file.\nmachines/s: machines loaded, saved, visited or checked.\n"
         "peak MiB: heap high-water mark above the start of the operation (operator new "
         "accounting, one run in a child process);\nkept MiB: heap still in use after it (for a "
-        "load, the catalogue); RSS+ MiB: VmHWM growth over VmRSS at the start.\nmem: a load "
-        "peaks at most at catalogue + file size, a save at most 1 MiB above the catalogue it "
-        "starts from.\nSectioned loads read at most %zu machine sections of one file.\n",
+        "load, the catalogue); RSS+ MiB: VmHWM growth over VmRSS at the start.\nmem target: a "
+        "load peaks at most at the catalogue it keeps + the file's size, a save at most 1 MiB "
+        "above the catalogue it starts from.\nSectioned loads read at most %zu machine sections "
+        "of one file.\n",
         kMaxSectionsPerFile);
 }
 
@@ -697,6 +827,8 @@ Options ParseOptions(int* argc, char** argv) {
                     break;
                 }
             }
+        } else if (const char* rows = value("--check-rows=")) {
+            options.checkRows = std::strtoull(rows, nullptr, 10);
         } else if (const char* dir = value("--data=")) {
             options.dataDir = dir;
         } else if (const char* reps = value("--repetitions=")) {
@@ -731,7 +863,10 @@ int main(int argc, char** argv) {
         if (options.probeCase >= cases.size()) {
             return 2;
         }
-        RunProbe(cases[options.probeCase], PrepareSize(options.dataDir, options.probeSize),
+        const Case& c = cases[options.probeCase];
+        RunProbe(c,
+                 PrepareSize(options.dataDir, options.probeSize, c.sizes == Sizes::kStandard,
+                             c.sizes != Sizes::kStandard),
                  options.probeOut);
         return 0;
     }
@@ -745,12 +880,21 @@ int main(int argc, char** argv) {
         return 1;
     }
 
+    const std::vector<Case> cases = Cases();
+    const bool anyCheck = std::any_of(cases.begin(), cases.end(),
+                                      [](const Case& c) { return c.sizes == Sizes::kCheck; });
+    const std::size_t checkRows = anyCheck ? options.checkRows : 0;
     std::vector<SizeData> sizes;
     for (const std::size_t n : options.sizes) {
         std::fprintf(stderr, "preparing %zu machines in %s\n", n, options.dataDir.c_str());
-        sizes.push_back(PrepareSize(options.dataDir, n));
+        sizes.push_back(PrepareSize(options.dataDir, n, true, n == checkRows));
     }
-    const std::vector<Case> cases = Cases();
+    if (checkRows > 0 &&
+        std::none_of(sizes.begin(), sizes.end(), [](const SizeData& data) { return data.check; })) {
+        std::fprintf(stderr, "preparing a legacy bank of %zu rows in %s\n", checkRows,
+                     options.dataDir.c_str());
+        sizes.push_back(PrepareSize(options.dataDir, checkRows, false, true));
+    }
 
     // Memory and cold runs first, each case in a fresh process of its own.
     std::map<std::string, MemoryResult> memory;
@@ -758,7 +902,7 @@ int main(int argc, char** argv) {
         for (std::size_t index = 0; index < cases.size(); ++index) {
             for (const SizeData& data : sizes) {
                 const std::string name = BenchmarkName(cases[index], data.n);
-                if (!cases[index].isReference &&
+                if (!cases[index].isReference && cases[index].RunsAt(data) &&
                     (options.filter.empty() ||
                      std::regex_search(name, std::regex(options.filter)))) {
                     memory[name] = MemoryProbe(index, data, options);
@@ -769,7 +913,9 @@ int main(int argc, char** argv) {
 
     for (const Case& c : cases) {
         for (const SizeData& data : sizes) {
-            RegisterCase(c, data, options);
+            if (c.RunsAt(data)) {
+                RegisterCase(c, data, options);
+            }
         }
     }
     MedianCollector reporter;

@@ -2,10 +2,12 @@
 // (A shipped bank checking clean is a row of cli_test.cpp.)
 #include <gtest/gtest.h>
 
+#include <random>
 #include <string>
 #include <vector>
 
 #include "BankChecker.h"
+#include "reference/CopyingSameNameSearch.h"
 #include "tool/tool_test_support.h"
 
 namespace {
@@ -13,6 +15,8 @@ namespace {
 using qzrbank::CheckBankFile;
 using qzrbank::CheckResult;
 using qzrbank::Finding;
+using qzrbank_test::BankMachine;
+using qzrbank_test::TempFolder;
 using qzrbank_test::ToolData;
 
 // Every finding of a file as "LINE severity code", in order.
@@ -63,6 +67,47 @@ TEST(Checker, EachFileReportsWhatItsLoaderDid) {
         ASSERT_EQ(result.files.size(), 1u);
         EXPECT_EQ(result.files[0].machinesRead, row.machinesRead);
     }
+}
+
+// The same-name search against the straightforward one, on a bank folder of machines that share
+// names in other letter case, within one file and across two.
+TEST(Checker, SameNamesAsTheStraightforwardSearchFindsThem) {
+    std::mt19937 random(7);
+    const char* const makers[] = {"Arvo", "ARVO", "arvo", "Brenn\xE9", "BRENN\xC9", "Cz"};
+    const char* const grades[] = {"A-1", "a-1", "B-2", "b-2 "};
+    const auto machines = [&random, &makers, &grades] {
+        std::vector<BankMachine> list;
+        for (int i = 0; i < 60; ++i) {
+            list.push_back({makers[random() % 6], grades[random() % 4], 100.0 * (random() % 2), 1});
+        }
+        return list;
+    };
+    TempFolder folder;
+    std::string systemBank = qzrbank_test::UserBankText(machines());
+    systemBank.replace(systemBank.find("Format = 1"), 10, "Format = 0");
+    folder.Write("Bank/Machine/IMM/a.bnk", systemBank);
+    qzrbank_test::WriteUserBank(folder, machines());
+    qzrbank::BankFolder bankFolder;
+    std::string error;
+    ASSERT_TRUE(qzrbank::LocateBankFolder(folder.Folder(), &bankFolder, &error)) << error;
+
+    const auto text = [](const Finding& finding) {
+        return qzrbank::Location(finding) + ' ' + finding.code + ' ' + finding.message;
+    };
+    std::vector<std::string> found;
+    for (const Finding& finding : qzrbank::CheckBankFolder(bankFolder).findings) {
+        found.push_back(text(finding));
+    }
+    qzrbank::LoadWatcher watcher;
+    qzrbank::LoadedFolder loaded;
+    qzrbank::LoadBankFolder(bankFolder, true, false, &loaded, &watcher);
+    std::vector<std::string> expected;
+    for (const Finding& finding :
+         qzr::reference::SameNamesByCopying(loaded.imm.Catalogue(), watcher)) {
+        expected.push_back(text(finding));
+    }
+    EXPECT_EQ(found, expected);
+    EXPECT_GT(expected.size(), 80u);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <system_error>
 
 #include "BankChecker.h"
@@ -21,8 +22,14 @@ namespace {
 constexpr char kStandardInput[] = "<stdin>";
 
 void Append(CheckResult part, CheckResult* all) {
-    all->findings.insert(all->findings.end(), part.findings.begin(), part.findings.end());
-    all->files.insert(all->files.end(), part.files.begin(), part.files.end());
+    if (all->findings.empty() && all->files.empty()) {
+        *all = std::move(part);
+        return;
+    }
+    all->findings.insert(all->findings.end(), std::make_move_iterator(part.findings.begin()),
+                         std::make_move_iterator(part.findings.end()));
+    all->files.insert(all->files.end(), std::make_move_iterator(part.files.begin()),
+                      std::make_move_iterator(part.files.end()));
 }
 
 // Standard input, checked as a file in a temporary folder and named "<stdin>".
@@ -105,9 +112,16 @@ bool CheckTarget(const std::string& target, std::istream& in, CheckResult* all,
 }
 
 void PrintText(const CheckResult& result, std::ostream& out) {
+    std::string line;
     for (const Finding& finding : result.findings) {
-        out << Location(finding) << ": " << SeverityName(finding.severity) << ": "
-            << finding.message << '\n';
+        line.clear();
+        AppendLocation(finding, &line);
+        line += ": ";
+        line += SeverityName(finding.severity);
+        line += ": ";
+        line += finding.message;
+        line += '\n';
+        out << line;
     }
     for (const WatchedFile& file : result.files) {
         const bool clean =
@@ -159,7 +173,7 @@ int RunCheck(const CheckOptions& options, std::istream& in, std::ostream& out, s
     }
     // Messages quote bank texts; a finding is reported whatever bytes it quotes.
     for (Finding& finding : all.findings) {
-        finding.message = encoding->DecodeOrEscape(finding.message);
+        encoding->DecodeOrEscapeInPlace(&finding.message);
     }
     if (options.format == "text") {
         PrintText(all, out);

@@ -3,6 +3,7 @@
 #define QZRBANK_FINDING_H
 
 #include <string>
+#include <string_view>
 
 namespace qzrbank {
 
@@ -23,10 +24,12 @@ struct Finding {
 
 // "PATH:LINE", or "PATH" for the file as a whole.
 std::string Location(const Finding& finding);
+void AppendLocation(const Finding& finding, std::string* text);
 
 // A text in double quotes for messages, with quotes, backslashes and control characters
 // escaped so that every finding stays on one line.
 std::string Quoted(const std::string& text);
+void AppendQuoted(std::string_view text, std::string* quoted);
 
 }  // namespace qzrbank
 

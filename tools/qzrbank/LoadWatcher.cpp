@@ -22,31 +22,57 @@ const char* SeverityName(Severity severity) {
     return severity == Severity::kError ? "error" : "warning";
 }
 
-std::string Location(const Finding& finding) {
-    return finding.line > 0 ? finding.path + ':' + std::to_string(finding.line) : finding.path;
+void AppendLocation(const Finding& finding, std::string* text) {
+    *text += finding.path;
+    if (finding.line > 0) {
+        *text += ':';
+        *text += std::to_string(finding.line);
+    }
 }
 
-std::string Quoted(const std::string& text) {
-    std::string quoted = "\"";
+std::string Location(const Finding& finding) {
+    std::string text;
+    AppendLocation(finding, &text);
+    return text;
+}
+
+void AppendQuoted(std::string_view text, std::string* quoted) {
+    *quoted += '"';
     for (const char c : text) {
         const unsigned char byte = static_cast<unsigned char>(c);
         if (c == '"' || c == '\\') {
-            quoted += '\\';
-            quoted += c;
+            *quoted += '\\';
+            *quoted += c;
         } else if (byte < 0x20 || byte == 0x7f) {
             char escape[8];
             std::snprintf(escape, sizeof escape, "\\x%02x", byte);
-            quoted += escape;
+            *quoted += escape;
         } else {
-            quoted += c;
+            *quoted += c;
         }
     }
-    return quoted + "\"";
+    *quoted += '"';
+}
+
+std::string Quoted(const std::string& text) {
+    std::string quoted;
+    quoted.reserve(text.size() + 2);
+    AppendQuoted(text, &quoted);
+    return quoted;
 }
 
 void LoadWatcher::Report(std::string_view path, long line, Severity severity, const char* code,
                          std::string message) {
     m_findings.push_back({std::string(path), line, severity, code, std::move(message)});
+}
+
+// A load reads its file's machines one after the other, so the path is nearly always the last
+// one seen.
+void LoadWatcher::AddOrigin(std::string_view path, long line) {
+    if (m_originPaths.empty() || m_originPaths.back() != path) {
+        m_originPaths.emplace_back(path);
+    }
+    m_origins.push_back({m_originPaths.size() - 1, line});
 }
 
 void LoadWatcher::OnHeader(const qzr::bank::HeaderSeen& seen) {
@@ -69,7 +95,7 @@ void LoadWatcher::OnLegacyLine(const qzr::bank::LegacyLineSeen& seen) {
     using qzr::bank::LegacyLine;
     switch (seen.what) {
         case LegacyLine::kRowLoaded:
-            m_origins.push_back({std::string(seen.path), seen.line});
+            AddOrigin(seen.path, seen.line);
             return;
         case LegacyLine::kRowTooFewFields:
             Report(seen.path, seen.line, Severity::kError, "row-skipped",
@@ -112,7 +138,7 @@ void LoadWatcher::OnLegacyLine(const qzr::bank::LegacyLineSeen& seen) {
 
 void LoadWatcher::OnSection(const qzr::bank::SectionSeen& seen) {
     if (seen.loaded) {
-        m_origins.push_back({std::string(seen.path), seen.line});
+        AddOrigin(seen.path, seen.line);
     } else if (seen.line != 0) {
         Report(seen.path, seen.line, Severity::kError, "load-stops",
                SectionName(seen.number) +
@@ -121,8 +147,9 @@ void LoadWatcher::OnSection(const qzr::bank::SectionSeen& seen) {
 }
 
 void LoadWatcher::OnKeyFromLaterSection(const qzr::bank::KeyFromLaterSection& seen) {
-    const long sectionLine =
-        !m_origins.empty() && m_origins.back().path == seen.path ? m_origins.back().line : 0;
+    const long sectionLine = !m_origins.empty() && m_originPaths[m_origins.back().path] == seen.path
+                                 ? m_origins.back().line
+                                 : 0;
     Report(seen.path, sectionLine, Severity::kWarning, "key-from-later-section",
            SectionName(seen.number) + " has no " + Quoted(std::string(seen.key)) +
                ": the machine takes the value of line " + std::to_string(seen.line) +

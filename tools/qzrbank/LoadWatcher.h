@@ -25,9 +25,10 @@ struct WatchedFile {
     bool hasDeclared = false;
 };
 
-// Where a machine of the watched loads came from.
+// Where a machine of the watched loads came from: the file by its place among
+// LoadWatcher::OriginPaths(), and the line.
 struct MachineOrigin {
-    std::string path;
+    size_t path = 0;
     long line = 0;
 };
 
@@ -43,15 +44,20 @@ class LoadWatcher : public qzr::bank::LoadObserver {
 
     const std::vector<WatchedFile>& Files() const { return m_files; }
     const std::vector<MachineOrigin>& Origins() const { return m_origins; }
+    // The files machines came from, each once, in the order of their first machine.
+    const std::vector<std::string>& OriginPaths() const { return m_originPaths; }
     const std::vector<Finding>& Findings() const { return m_findings; }
+    std::vector<Finding> TakeFindings() { return std::move(m_findings); }
     void Add(Finding finding) { m_findings.push_back(std::move(finding)); }
 
   private:
     void Report(std::string_view path, long line, Severity severity, const char* code,
                 std::string message);
+    void AddOrigin(std::string_view path, long line);
 
     std::vector<WatchedFile> m_files;
     std::vector<MachineOrigin> m_origins;
+    std::vector<std::string> m_originPaths;
     std::vector<Finding> m_findings;
     std::string m_rowsOf;  // the legacy file whose rows are being read
 };

@@ -1,5 +1,7 @@
 #include "TextEncoding.h"
 
+#include <algorithm>
+
 #include "platform/CaseFolding.h"
 #include "platform/CodePage.h"
 
@@ -47,7 +49,18 @@ bool SingleByteOf(bool cp1252, char32_t codePoint, unsigned char* byte) {
 
 EncodedText DecodeSingleByte(bool cp1252, std::string_view bytes) {
     EncodedText result;
+    result.text.reserve(bytes.size());
     for (size_t offset = 0; offset < bytes.size(); ++offset) {
+        // Bytes below 0x80 are their own characters and their own UTF-8: copied by the run.
+        size_t ascii = offset;
+        while (ascii < bytes.size() && static_cast<unsigned char>(bytes[ascii]) < 0x80) {
+            ++ascii;
+        }
+        result.text.append(bytes.data() + offset, ascii - offset);
+        offset = ascii;
+        if (offset == bytes.size()) {
+            break;
+        }
         const unsigned char byte = static_cast<unsigned char>(bytes[offset]);
         const char32_t codePoint = SingleByteCharacter(cp1252, byte);
         if (codePoint == 0 && byte != 0) {
@@ -137,7 +150,11 @@ std::string TextEncoding::DecodeOrEscape(std::string_view bytes) const {
     std::string text;
     while (!bytes.empty()) {
         EncodedText decoded = Decode(bytes);
-        text += decoded.text;
+        if (text.empty()) {
+            text = std::move(decoded.text);
+        } else {
+            text += decoded.text;
+        }
         if (decoded.ok) {
             break;
         }
@@ -145,6 +162,14 @@ std::string TextEncoding::DecodeOrEscape(std::string_view bytes) const {
         bytes.remove_prefix(decoded.badOffset + 1);
     }
     return text;
+}
+
+void TextEncoding::DecodeOrEscapeInPlace(std::string* text) const {
+    const bool ascii = std::all_of(text->begin(), text->end(),
+                                   [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+    if (!ascii || m_codePage == CodePage::Cp932) {
+        *text = DecodeOrEscape(*text);
+    }
 }
 
 std::string TextEncoding::ByteError(std::string_view bytes, size_t offset) const {
