@@ -21,8 +21,6 @@ namespace fs = std::filesystem;
 using qzr::test::ReadBytes;
 using qzr::test::TempFolder;
 
-const std::string kTranscripts = std::string(QZR_TEST_DATA_DIR) + "/tool/transcripts";
-
 struct Step {
     std::string line;  // "$ ..." as written
     std::vector<std::string> words;
@@ -44,65 +42,67 @@ struct Case {
     std::vector<Step> steps;
 };
 
-std::string Unescaped(const std::string& text) {
-    std::string bytes;
-    for (size_t at = 0; at < text.size(); ++at) {
-        bytes += text[at] == '\\' ? qzr::test::Unescaped(text, &at) : text[at];
-    }
-    return bytes;
+bool Starts(const std::string& line, const char* prefix) {
+    return line.rfind(prefix, 0) == 0;
 }
 
-// Reads one transcript into cases; a line that belongs to no part of a case fails the file.
+// A "$ " line split into words, with a final "< FILE" and "> FILE" taken off.
+Step ReadStep(const std::string& line) {
+    Step step{line, qzr::test::DataFields(line.substr(2)), "", "", ""};
+    for (size_t n = step.words.size();
+         n > 2 && (step.words[n - 2] == "<" || step.words[n - 2] == ">"); n -= 2) {
+        (step.words[n - 2] == "<" ? step.input : step.output) = step.words[n - 1];
+        step.words.resize(n - 2);
+    }
+    return step;
+}
+
+// A "| " line of a file: its text with the escapes turned into bytes, and a line end.
+std::string FileLine(const std::string& line) {
+    std::string bytes;
+    for (size_t at = 2; at < line.size(); ++at) {
+        bytes += line[at] == '\\' ? qzr::test::Unescaped(line, &at) : line[at];
+    }
+    return bytes + "\n";
+}
+
+// Adds the cases of one transcript; a line that is no part of a case becomes a failing step.
 void ReadTranscript(const fs::path& path, std::vector<Case>* cases) {
     std::ifstream in(path);
-    const std::string file = path.filename().string();
     bool inStep = false;
     std::string line;
     for (int number = 1; std::getline(in, line); ++number) {
         if (!line.empty() && line.back() == '\r') {
             line.pop_back();
         }
-        const std::string where = file + ":" + std::to_string(number);
+        const std::string where = path.filename().string() + ":" + std::to_string(number);
         if (inStep) {
             cases->back().steps.back().expected += line + "\n";
-            inStep = line.rfind("[exit ", 0) != 0;
-        } else if (line.rfind("## ", 0) == 0) {
+            inStep = !Starts(line, "[exit ");
+        } else if (Starts(line, "## ") || (cases->empty() && !line.empty() && line[0] != '#')) {
             const std::string name = path.stem().string() + "_" + std::to_string(number);
             cases->push_back({name, where + ": " + line.substr(3), {}, {}});
         } else if (line.empty() || line[0] == '#') {
             continue;
-        } else if (cases->empty()) {
-            cases->push_back({"bad_" + path.stem().string(), where + ": no case", {}, {}});
-        } else if (line.rfind("$ ", 0) == 0) {
-            Step step{line, qzr::test::DataFields(line.substr(2)), "", "", ""};
-            while (step.words.size() > 2 && (step.words[step.words.size() - 2] == "<" ||
-                                             step.words[step.words.size() - 2] == ">")) {
-                (step.words[step.words.size() - 2] == "<" ? step.input : step.output) =
-                    step.words.back();
-                step.words.resize(step.words.size() - 2);
-            }
-            cases->back().steps.push_back(step);
+        } else if (Starts(line, "$ ")) {
+            cases->back().steps.push_back(ReadStep(line));
             inStep = true;
-        } else if (line.rfind("file ", 0) == 0) {
+        } else if (Starts(line, "file ")) {
             const std::vector<std::string> words = qzr::test::DataFields(line.substr(5));
             cases->back().files.push_back(
                 {words.empty() ? "" : words[0], words.size() == 3 ? words[2] : "", ""});
-        } else if ((line == "|" || line.rfind("| ", 0) == 0) && !cases->back().files.empty()) {
-            cases->back().files.back().text +=
-                Unescaped(line.substr(std::min<size_t>(2, line.size()))) + "\n";
+        } else if ((line == "|" || Starts(line, "| ")) && !cases->back().files.empty()) {
+            cases->back().files.back().text += FileLine(line);
         } else {
             cases->back().steps.push_back(
-                {where + ": not transcript syntax: " + line, {}, "", "", ""});
+                {where + ": no transcript line: " + line, {}, "", "", ""});
         }
-    }
-    if (inStep) {
-        cases->back().steps.back().expected += "[no exit line]\n";
     }
 }
 
 std::vector<Case> ReadTranscripts() {
     std::vector<fs::path> paths;
-    for (const fs::directory_entry& entry : fs::directory_iterator(kTranscripts)) {
+    for (const auto& entry : fs::directory_iterator(QZR_TEST_DATA_DIR "/tool/transcripts")) {
         if (entry.path().extension() == ".txt") {
             paths.push_back(entry.path());
         }
@@ -115,44 +115,26 @@ std::vector<Case> ReadTranscripts() {
     return cases;
 }
 
-// The placeholders of a transcript and the folders they stand for, in generic form.
-class Places {
-  public:
-    explicit Places(const TempFolder& folder)
-        : m_places{{"{tmp}", fs::path(folder.Folder()).generic_string()},
-                   {"{fixture}", std::string(QZR_TEST_DATA_DIR) + "/tool/fixture"},
-                   {"{data}", std::string(QZR_TEST_DATA_DIR) + "/tool"},
-                   {"{examples}", std::string(QZR_EXAMPLES_DIR) + "/Bank"}} {}
+// The placeholders and the folders they stand for, in generic form.
+using Places = std::vector<std::pair<std::string, std::string>>;
 
-    std::string Expand(std::string text) const {
-        for (const auto& [name, folder] : m_places) {
-            Replace(&text, name, folder);
-        }
-        return text;
-    }
-    // Output with the folders named by their placeholders again.
-    std::string Named(std::string text) const {
-        for (const auto& [name, folder] : m_places) {
-            Replace(&text, folder, name);
-        }
-        return text;
-    }
-
-  private:
-    static void Replace(std::string* text, const std::string& from, const std::string& to) {
-        for (size_t at = text->find(from); at != std::string::npos;
-             at = text->find(from, at + to.size())) {
-            text->replace(at, from.size(), to);
+// Every placeholder replaced by its folder (expand), or every folder by its placeholder.
+std::string Replaced(std::string text, const Places& places, bool expand) {
+    for (const auto& [name, folder] : places) {
+        const std::string& from = expand ? name : folder;
+        const std::string& to = expand ? folder : name;
+        for (size_t at = text.find(from); at != std::string::npos;
+             at = text.find(from, at + to.size())) {
+            text.replace(at, from.size(), to);
         }
     }
-
-    std::vector<std::pair<std::string, std::string>> m_places;
-};
+    return text;
+}
 
 // The files and folders below the temporary folder, one a line, folders with a trailing '/'.
 int List(const TempFolder& folder, std::ostream& out) {
     std::vector<std::string> names;
-    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder.Folder())) {
+    for (const auto& entry : fs::recursive_directory_iterator(folder.Folder())) {
         names.push_back(fs::relative(entry.path(), folder.Folder()).generic_string() +
                         (entry.is_directory() ? "/" : ""));
     }
@@ -163,25 +145,19 @@ int List(const TempFolder& folder, std::ostream& out) {
     return 0;
 }
 
-int Compare(const std::vector<std::string>& words, std::ostream& out) {
-    if (words.size() != 3 || !fs::exists(words[1]) || !fs::exists(words[2]) ||
-        ReadBytes(words[1]) != ReadBytes(words[2])) {
-        out << "differ\n";
-        return 1;
-    }
-    return 0;
+int Compare(const std::string& a, const std::string& b, std::ostream& out) {
+    const bool same = fs::exists(a) && fs::exists(b) && ReadBytes(a) == ReadBytes(b);
+    out << (same ? "" : "differ\n");
+    return same ? 0 : 1;
 }
 
-// The lines of a file that hold a text; a line end is LF or CR LF.
-int Search(const std::vector<std::string>& words, std::ostream& out) {
-    std::istringstream text(words.size() == 3 ? ReadBytes(words[2]) : "");
+// The lines of a file that hold the text, without their line ends (LF or CR LF).
+int Search(const std::string& text, const std::string& file, std::ostream& out) {
+    std::istringstream lines(ReadBytes(file));
     int code = 1;
-    for (std::string line; std::getline(text, line);) {
-        if (!line.empty() && line.back() == '\r') {
-            line.pop_back();
-        }
-        if (line.find(words[1]) != std::string::npos) {
-            out << line << '\n';
+    for (std::string line; std::getline(lines, line);) {
+        if (line.find(text) != std::string::npos) {
+            out << line.substr(0, line.find_last_not_of('\r') + 1) << '\n';
             code = 0;
         }
     }
@@ -192,29 +168,28 @@ int Search(const std::vector<std::string>& words, std::ostream& out) {
 std::string Outcome(const Step& step, const TempFolder& folder, const Places& places) {
     std::vector<std::string> words;
     for (const std::string& word : step.words) {
-        words.push_back(places.Expand(word));
+        words.push_back(Replaced(word, places, true));
     }
-    std::istringstream in(step.input.empty() ? "" : ReadBytes(places.Expand(step.input)));
+    std::istringstream in(step.input.empty() ? "" : ReadBytes(Replaced(step.input, places, true)));
     std::ostringstream out;
     std::ostringstream err;
+    const std::string command = words.empty() ? "" : words[0];
     int code = -1;
-    if (!words.empty() && words[0] == "qzrbank") {
+    if (command == "qzrbank") {
         code = qzrbank::RunCommandLine({words.begin() + 1, words.end()}, in, out, err);
-    } else if (words == std::vector<std::string>{"ls"}) {
+    } else if (command == "ls") {
         code = List(folder, out);
-    } else if (!words.empty() && words[0] == "cmp") {
-        code = Compare(words, out);
-    } else if (!words.empty() && words[0] == "grep") {
-        code = Search(words, out);
-    } else {
-        err << "unknown command\n";
+    } else if (command == "cmp" && words.size() == 3) {
+        code = Compare(words[1], words[2], out);
+    } else if (command == "grep" && words.size() == 3) {
+        code = Search(words[1], words[2], out);
     }
-    std::string block = places.Named(out.str());
+    std::string block = Replaced(out.str(), places, false);
     if (!step.output.empty()) {
-        std::ofstream(places.Expand(step.output), std::ios::binary) << out.str();
+        std::ofstream(Replaced(step.output, places, true), std::ios::binary) << out.str();
         block.clear();
     }
-    std::istringstream errors(places.Named(err.str()));
+    std::istringstream errors(Replaced(err.str(), places, false));
     for (std::string line; std::getline(errors, line);) {
         block += "! " + line + "\n";
     }
@@ -231,10 +206,14 @@ TEST_P(Transcript, PrintsAndReturnsWhatItShows) {
     const Case& session = GetParam();
     SCOPED_TRACE(session.where);
     const TempFolder folder;
-    const Places places(folder);
+    const Places places = {{"{tmp}", fs::path(folder.Folder()).generic_string()},
+                           {"{fixture}", QZR_TEST_DATA_DIR "/tool/fixture"},
+                           {"{data}", QZR_TEST_DATA_DIR "/tool"},
+                           {"{examples}", QZR_EXAMPLES_DIR "/Bank"}};
     for (const File& file : session.files) {
-        folder.Write(file.name,
-                     file.source.empty() ? file.text : ReadBytes(places.Expand(file.source)));
+        folder.Write(file.name, file.source.empty()
+                                    ? file.text
+                                    : ReadBytes(Replaced(file.source, places, true)));
     }
     ASSERT_FALSE(session.steps.empty()) << "a case without a command";
     for (const Step& step : session.steps) {

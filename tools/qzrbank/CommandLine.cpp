@@ -101,6 +101,15 @@ struct Command {
     std::function<int(std::istream& in, std::ostream& out, std::ostream& err)> run;
 };
 
+// The command and the call of its function on the options the parse fills.
+template <typename Options>
+Command Calling(CLI::App* command, int (*run)(const Options&, std::ostream&, std::ostream&),
+                const Options& options) {
+    return {command, [run, &options](std::istream&, std::ostream& out, std::ostream& err) {
+                return run(options, out, err);
+            }};
+}
+
 Command AddList(CLI::App& app, ParsedOptions& parsed) {
     ListOptions& list = parsed.list;
     CLI::App* command = app.add_subcommand(
@@ -137,9 +146,7 @@ Command AddShow(CLI::App& app, ShowOptions& show) {
     command->add_option("GRADE", show.grade, "the grade")->required();
     AddFormatOption(command, &show.format, {"text", "json"});
     AddEncodingOption(command, &show.encoding);
-    return {command, [&show](std::istream&, std::ostream& out, std::ostream& err) {
-                return RunShow(show, out, err);
-            }};
+    return Calling(command, RunShow, show);
 }
 
 Command AddInfo(CLI::App& app, InfoOptions& info) {
@@ -148,9 +155,7 @@ Command AddInfo(CLI::App& app, InfoOptions& info) {
     command->add_option("FILE", info.files, "bank files")->required();
     AddFormatOption(command, &info.format, {"text", "csv", "json"});
     AddEncodingOption(command, &info.encoding);
-    return {command, [&info](std::istream&, std::ostream& out, std::ostream& err) {
-                return RunInfo(info, out, err);
-            }};
+    return Calling(command, RunInfo, info);
 }
 
 Command AddCheck(CLI::App& app, CheckOptions& check) {
@@ -173,9 +178,7 @@ Command AddConvert(CLI::App& app, ConvertOptions& convert) {
     command->add_option("IN", convert.input, "the bank to convert")->required();
     command->add_option("OUT", convert.output, "the bank file to write")->required();
     AddWriteFlags(command, &convert.force, &convert.allowLoss);
-    return {command, [&convert](std::istream&, std::ostream& out, std::ostream& err) {
-                return RunConvert(convert, out, err);
-            }};
+    return Calling(command, RunConvert, convert);
 }
 
 // An edit of one machine of a user bank: set, add, rm or rename.
@@ -186,9 +189,7 @@ Command AddEdit(CLI::App& app, EditOptions& edit, const char* name, const char* 
     command->add_option("MAKER", edit.maker, "the maker")->required();
     command->add_option("GRADE", edit.grade, "the grade")->required();
     AddWriteFlags(command, nullptr, &edit.allowLoss);
-    return {command, [&edit, run](std::istream&, std::ostream& out, std::ostream& err) {
-                return run(edit, out, err);
-            }};
+    return Calling(command, run, edit);
 }
 
 Command AddDiff(CLI::App& app, DiffOptions& diff) {
@@ -197,9 +198,7 @@ Command AddDiff(CLI::App& app, DiffOptions& diff) {
     command->add_option("A", diff.a, "a bank file")->required();
     command->add_option("B", diff.b, "a bank file")->required();
     AddFormatOption(command, &diff.format, {"table", "json"});
-    return {command, [&diff](std::istream&, std::ostream& out, std::ostream& err) {
-                return RunDiff(diff, out, err);
-            }};
+    return Calling(command, RunDiff, diff);
 }
 
 Command AddImport(CLI::App& app, ImportOptions& import) {
@@ -216,9 +215,7 @@ Command AddImport(CLI::App& app, ImportOptions& import) {
         ->check(CLI::IsMember({"sectioned", "legacy"}));
     command->add_flag("--dry-run", import.dryRun, "check and report, write nothing");
     AddWriteFlags(command, nullptr, &import.allowLoss);
-    return {command, [&import](std::istream&, std::ostream& out, std::ostream& err) {
-                return RunImport(import, out, err);
-            }};
+    return Calling(command, RunImport, import);
 }
 
 Command AddExport(CLI::App& app, ExportOptions& options) {
@@ -227,9 +224,7 @@ Command AddExport(CLI::App& app, ExportOptions& options) {
     command->add_option("BANK", options.bank, "a bank file or a bank folder")->required();
     AddFormatOption(command, &options.format, {"csv", "json"});
     AddEncodingOption(command, &options.encoding);
-    return {command, [&options](std::istream&, std::ostream& out, std::ostream& err) {
-                return RunExport(options, out, err);
-            }};
+    return Calling(command, RunExport, options);
 }
 
 std::vector<Command> AddCommands(CLI::App& app, ParsedOptions& parsed) {
