@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -72,9 +73,6 @@ void ReadTranscript(const fs::path& path, std::vector<Case>* cases) {
     bool inStep = false;
     std::string line;
     for (int number = 1; std::getline(in, line); ++number) {
-        if (!line.empty() && line.back() == '\r') {
-            line.pop_back();
-        }
         const std::string where = path.filename().string() + ":" + std::to_string(number);
         if (inStep) {
             cases->back().steps.back().expected += line + "\n";
@@ -101,16 +99,11 @@ void ReadTranscript(const fs::path& path, std::vector<Case>* cases) {
 }
 
 std::vector<Case> ReadTranscripts() {
-    std::vector<fs::path> paths;
+    std::vector<Case> cases;
     for (const auto& entry : fs::directory_iterator(QZR_TEST_DATA_DIR "/tool/transcripts")) {
         if (entry.path().extension() == ".txt") {
-            paths.push_back(entry.path());
+            ReadTranscript(entry.path(), &cases);
         }
-    }
-    std::sort(paths.begin(), paths.end());
-    std::vector<Case> cases;
-    for (const fs::path& path : paths) {
-        ReadTranscript(path, &cases);
     }
     return cases;
 }
@@ -118,14 +111,25 @@ std::vector<Case> ReadTranscripts() {
 // The placeholders and the folders they stand for, in generic form.
 using Places = std::vector<std::pair<std::string, std::string>>;
 
-// Every placeholder replaced by its folder (expand), or every folder by its placeholder.
-std::string Replaced(std::string text, const Places& places, bool expand) {
+std::string Expanded(std::string text, const Places& places) {
     for (const auto& [name, folder] : places) {
-        const std::string& from = expand ? name : folder;
-        const std::string& to = expand ? folder : name;
-        for (size_t at = text.find(from); at != std::string::npos;
-             at = text.find(from, at + to.size())) {
-            text.replace(at, from.size(), to);
+        for (size_t at = text.find(name); at != std::string::npos;
+             at = text.find(name, at + folder.size())) {
+            text.replace(at, name.size(), folder);
+        }
+    }
+    return text;
+}
+
+// Output with each folder named by its placeholder again, and the rest of a path below it in
+// generic form: Windows writes the names it finds in a folder with backslashes.
+std::string Named(std::string text, const Places& places) {
+    for (const auto& [name, folder] : places) {
+        for (size_t at = text.find(folder); at != std::string::npos; at = text.find(folder, at)) {
+            text.replace(at, folder.size(), name);
+            for (at += name.size(); at < text.size() && !std::strchr(" \t\n\":,", text[at]); ++at) {
+                text[at] = text[at] == '\\' ? '/' : text[at];
+            }
         }
     }
     return text;
@@ -168,9 +172,9 @@ int Search(const std::string& text, const std::string& file, std::ostream& out) 
 std::string Outcome(const Step& step, const TempFolder& folder, const Places& places) {
     std::vector<std::string> words;
     for (const std::string& word : step.words) {
-        words.push_back(Replaced(word, places, true));
+        words.push_back(Expanded(word, places));
     }
-    std::istringstream in(step.input.empty() ? "" : ReadBytes(Replaced(step.input, places, true)));
+    std::istringstream in(step.input.empty() ? "" : ReadBytes(Expanded(step.input, places)));
     std::ostringstream out;
     std::ostringstream err;
     const std::string command = words.empty() ? "" : words[0];
@@ -184,12 +188,12 @@ std::string Outcome(const Step& step, const TempFolder& folder, const Places& pl
     } else if (command == "grep" && words.size() == 3) {
         code = Search(words[1], words[2], out);
     }
-    std::string block = Replaced(out.str(), places, false);
+    std::string block = Named(out.str(), places);
     if (!step.output.empty()) {
-        std::ofstream(Replaced(step.output, places, true), std::ios::binary) << out.str();
+        std::ofstream(Expanded(step.output, places), std::ios::binary) << out.str();
         block.clear();
     }
-    std::istringstream errors(Replaced(err.str(), places, false));
+    std::istringstream errors(Named(err.str(), places));
     for (std::string line; std::getline(errors, line);) {
         block += "! " + line + "\n";
     }
@@ -211,9 +215,8 @@ TEST_P(Transcript, PrintsAndReturnsWhatItShows) {
                            {"{data}", QZR_TEST_DATA_DIR "/tool"},
                            {"{examples}", QZR_EXAMPLES_DIR "/Bank"}};
     for (const File& file : session.files) {
-        folder.Write(file.name, file.source.empty()
-                                    ? file.text
-                                    : ReadBytes(Replaced(file.source, places, true)));
+        folder.Write(file.name,
+                     file.source.empty() ? file.text : ReadBytes(Expanded(file.source, places)));
     }
     ASSERT_FALSE(session.steps.empty()) << "a case without a command";
     for (const Step& step : session.steps) {
