@@ -2,12 +2,10 @@
 // without a counterpart is an error at its offset.
 #include <gtest/gtest.h>
 
-#include <iostream>
-#include <sstream>
+#include <string>
+#include <vector>
 
-#include "Commands.h"
 #include "TextEncoding.h"
-#include "tool/tool_test_support.h"
 
 namespace qzrbank {
 namespace {
@@ -88,66 +86,6 @@ TEST(EncodingTest, UnconvertibleInputIsAnErrorAtItsOffset) {
         EXPECT_FALSE(result.ok);
         EXPECT_EQ(result.badOffset, row.badOffset);
     }
-}
-
-TEST(EncodingTest, FieldErrorNamesMachineFieldAndByte) {
-    std::string utf8;
-    std::string error;
-    EXPECT_FALSE(TextEncoding().DecodeField("\x81", "Caf\xE9\x81", "Grade", &utf8, &error));
-    EXPECT_EQ(error, "Caf\u00E9\\x81: Grade: byte 0x81 at offset 0 is not cp1252");
-    EXPECT_FALSE(TextEncoding::Parse("utf8"));
-    EXPECT_STREQ(TextEncoding::Parse("CP932")->Name(), "cp932");
-}
-
-using qzrbank_test::Capture;
-using qzrbank_test::Output;
-
-// show, info and check in JSON on a user bank with two machines of one maker and grade (check
-// quotes the name of the second), all of their texts in the given code page.
-std::vector<Output> JsonViews(const std::string& encoding, const std::string& maker) {
-    const qzrbank_test::TempFolder folder;
-    const std::string bank = qzrbank_test::WriteUserBank(
-        folder, {{maker, "G1", 10, 5}, {maker, "G1", 20, 5}}, "Remark " + maker);
-    return {Capture([&](auto& out, auto& err) {
-                return RunShow({bank, maker, "G1", "json", encoding}, out, err);
-            }),
-            Capture([&](auto& out, auto& err) {
-                return RunInfo({{bank}, "json", encoding}, out, err);
-            }),
-            Capture([&](auto& out, auto& err) {
-                return RunCheck({{bank}, "json", encoding}, std::cin, out, err);
-            })};
-}
-
-TEST(EncodingTest, JsonViewsShowBankTextsDecoded) {
-    const Conversion rows[] = {
-        {"cp1252 e-acute", "cp1252", "Caf\xE9 Pressen", "Caf\u00E9 Pressen"},
-        {"cp932 kanji", "cp932", "\x93\xFA\x96\x7B\x90\xBB", "日本製"},
-    };
-    for (const Conversion& row : rows) {
-        SCOPED_TRACE(row.label);
-        const std::vector<Output> outputs = JsonViews(row.encoding, row.bank);
-        const std::string expected[] = {"\"Maker\": \"" + row.utf8 + "\"",
-                                        "\"Remark\": \"Remark " + row.utf8 + "\"",
-                                        row.utf8 + " - G1\\\" has the maker"};
-        for (size_t i = 0; i < outputs.size(); ++i) {
-            EXPECT_NE(outputs[i].out.find(expected[i]), std::string::npos) << outputs[i].out;
-            EXPECT_EQ(outputs[i].err, "");
-        }
-    }
-}
-
-TEST(EncodingTest, UndecodableBankTextIsAnErrorNamingMachineAndField) {
-    const std::vector<Output> outputs = JsonViews("cp1252", "Ost\x81");
-    EXPECT_EQ(outputs[0].exitCode, 2);
-    EXPECT_NE(outputs[0].err.find(": Ost\\x81 - G1: Maker: byte 0x81 at offset 3 is not cp1252\n"),
-              std::string::npos)
-        << outputs[0].err;
-    EXPECT_EQ(outputs[1].exitCode, 2);
-    EXPECT_NE(outputs[1].err.find("User-IMM.bnk: Remark: byte 0x81 at offset 10"),
-              std::string::npos)
-        << outputs[1].err;
-    EXPECT_NE(outputs[2].out.find("Ost\\\\x81 - G1"), std::string::npos) << outputs[2].out;
 }
 
 }  // namespace

@@ -271,8 +271,13 @@ size_t ReportSkipped(const std::vector<Finding>& skipped, std::ostream& out) {
 std::string PutInPlace(const fs::path& written, const fs::path& target) {
     std::error_code error;
     if (Exists(target)) {
-        fs::copy_file(target, target.string() + kBackupSuffix, fs::copy_options::overwrite_existing,
-                      error);
+        const fs::path backup = target.string() + kBackupSuffix;
+        fs::copy_file(target, backup, fs::copy_options::overwrite_existing, error);
+        if (error == std::errc::file_exists) {
+            // Some standard libraries (MinGW's) refuse to overwrite; the old backup goes first.
+            fs::remove(backup, error);
+            fs::copy_file(target, backup, error);
+        }
         if (error) {
             return "cannot keep the previous file as " + target.string() + kBackupSuffix + ": " +
                    error.message();
