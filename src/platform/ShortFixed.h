@@ -4,6 +4,7 @@
 #ifndef QZR_PLATFORM_SHORTFIXED_H
 #define QZR_PLATFORM_SHORTFIXED_H
 
+#include <cmath>
 #include <cstdint>
 #include <cstring>
 
@@ -31,6 +32,23 @@ inline bool Hundredths(double value, uint64_t* hundredths) {
     const uint64_t product = ((bits & 0x000FFFFFFFFFFFFF) | uint64_t{1} << 52) * 100;
     const uint64_t oddQuotient = (product >> cut) & 1;
     *hundredths = (product + (uint64_t{1} << (cut - 1)) - 1 + oddQuotient) >> cut;
+    return true;
+}
+
+// round(value * 100) read off the double product, for a value of at most two decimals, the
+// usual bank value: from +0 on, with a product that lies below 10^7 and within a quarter of an
+// integer. The exact product lies within 2^-29 of the double one there, so it rounds to that
+// same integer, far from a tie. False for every other value (-0, NaN, a third decimal).
+inline bool NearHundredths(double value, uint64_t* hundredths) {
+    const double product = value * 100.0;
+    if (!(product < 9999999.25) || std::signbit(value)) {
+        return false;
+    }
+    const int64_t nearest = static_cast<int64_t>(product + 0.5);
+    if (!(std::fabs(product - static_cast<double>(nearest)) < 0.25)) {
+        return false;
+    }
+    *hundredths = static_cast<uint64_t>(nearest);
     return true;
 }
 
@@ -73,7 +91,8 @@ inline char* WriteHundredths(uint64_t hundredths, char* out) {
 // value. Needs room for eight bytes at out.
 inline char* WritePlainWidth6Fixed2(double value, char* out) {
     uint64_t hundredths = 0;
-    if (!short_fixed::Hundredths(value, &hundredths) || hundredths >= 10000000) {
+    if (!short_fixed::NearHundredths(value, &hundredths) &&
+        (!short_fixed::Hundredths(value, &hundredths) || hundredths >= 10000000)) {
         return nullptr;
     }
     return short_fixed::WriteHundredths(hundredths, out);
