@@ -34,23 +34,31 @@ class CatalogueWalk {
     template <class Record>
     const Record* Fetch(int machineIndex) const;
 
-    // How many machines ahead of the one it writes a writer prefetches: far enough that the
-    // memory arrives while the machines between are written.
-    static constexpr int kPrefetchDistance = 4;
-
-    // Asks the processor to start loading the machine at the index, if there is one of the
-    // record's kind, while the writer is still busy with the machines before it. A record is
-    // allocated together with its field blocks, which usually follow it in memory, so the
-    // bytes after it are loaded too. Without this, a save of a catalogue far larger than the
-    // caches waits for memory at every machine.
-    template <class Record>
-    void Prefetch(int machineIndex) const {
-        if (const Record* machine = Fetch<Record>(machineIndex)) {
-            PrefetchBytes(machine);
+    // Hands visit(index, machine) every machine of the record's kind in index order. Each
+    // machine is fetched once, kAhead indexes before it is handed out, and its memory is
+    // prefetched then: far enough that it arrives while the machines between are visited. A
+    // record is allocated together with its field blocks, which usually follow it in memory,
+    // so the bytes after it are loaded too. Without this, a save of a catalogue far larger
+    // than the caches waits for memory at every machine.
+    template <class Record, class Visit>
+    void ForEachMachine(Visit visit) const {
+        const int total = TotalMachine();
+        const Record* fetched[kAhead] = {};
+        for (int index = 0; index < total + kAhead; ++index) {
+            const Record*& slot = fetched[index % kAhead];
+            if (slot != nullptr) {
+                visit(index - kAhead, *slot);
+            }
+            slot = index < total ? Fetch<Record>(index) : nullptr;
+            if (slot != nullptr) {
+                PrefetchBytes(slot);
+            }
         }
     }
 
   private:
+    static constexpr int kAhead = 4;
+
     static void PrefetchBytes(const void* start) {
 #if defined(__GNUC__)
         constexpr int kCacheLine = 64;

@@ -26,6 +26,8 @@
 #include <limits>
 #include <system_error>
 
+#include "platform/ShortFixed.h"
+
 namespace qzr::platform {
 
 namespace {
@@ -683,32 +685,8 @@ char* WriteShortFixed6(double value, char* out) {
     return out + 7;
 }
 
-// "%6.2f" of a non-negative value below 10^5 from its magnitude times 100, the common case of
-// bank numbers, written byte by byte in one of its three layouts: below 1000 the text fills the
-// width ("  1.50", " 12.50", "123.50"), from 1000 on it has four or five whole digits.
-char* WriteSmallWidth6Fixed2(uint64_t scaled, char* out) {
-    const uint64_t whole = scaled / 100;
-    char* p = out;
-    if (whole >= 1000) {
-        if (whole >= 10000) {
-            *p++ = static_cast<char>('0' + whole / 10000);
-        }
-        WritePair(whole / 100 % 100, p);
-        WritePair(whole % 100, p + 2);
-        p += 4;
-    } else {
-        const char* const tensAndUnits = kDigitPairs + 2 * (whole % 100);
-        p[0] = whole >= 100 ? static_cast<char>('0' + whole / 100) : ' ';
-        p[1] = whole >= 10 ? tensAndUnits[0] : ' ';
-        p[2] = tensAndUnits[1];
-        p += 3;
-    }
-    p[0] = '.';
-    WritePair(scaled % 100, p + 1);
-    return p + 3;
-}
-
-// "%6.2f" of a value below 2^52, blanks in front up to the width; null beyond it.
+// "%6.2f" of a value below 2^52 that is not plain (ShortFixed.h): negative, or of 10^5 and
+// more; blanks in front up to the width. Null from 2^52 on.
 char* WriteShortWidth6Fixed2(double value, char* out) {
     uint64_t scaled = 0;
     if (!SmallScaledMagnitude<100>(value, &scaled)) {
@@ -716,9 +694,6 @@ char* WriteShortWidth6Fixed2(double value, char* out) {
     }
     const bool negative = std::signbit(value);
     const uint64_t whole = scaled / 100;
-    if (!negative && whole < 100000) {
-        return WriteSmallWidth6Fixed2(scaled, out);
-    }
     const int wholeDigits = DigitCount(whole);
     const int length = (negative ? 1 : 0) + wholeDigits + 3;
     if (length < 6) {
@@ -815,6 +790,9 @@ char* WriteLf(double value, char* out) {
 }
 
 char* WriteWidth6Fixed2(double value, char* out) {
+    if (char* end = WritePlainWidth6Fixed2(value, out)) {
+        return end;
+    }
     if (char* end = WriteShortWidth6Fixed2(value, out)) {
         return end;
     }

@@ -1,5 +1,6 @@
-// Reading text eight bytes at a time: a byte of the text per byte of a 64-bit word, the first
-// in the lowest, whatever the processor's byte order, and the tests the scanners make on them.
+// Reading and writing text eight bytes at a time: a byte of the text per byte of a 64-bit word, the
+// first in the lowest, whatever the processor's byte order, and the tests the scanners make on
+// them.
 #ifndef QZR_PLATFORM_EIGHTBYTES_H
 #define QZR_PLATFORM_EIGHTBYTES_H
 
@@ -22,6 +23,17 @@ inline uint64_t LoadEightBytes(const char* p) {
     std::memcpy(&word, p, sizeof(word));  // one load on the little-endian processors
 #endif
     return word;
+}
+
+// Writes the eight bytes of word at p, its lowest byte first, whatever the byte order.
+inline void StoreEightBytes(uint64_t word, char* p) {
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__
+    for (int i = 0; i < 8; ++i) {
+        p[i] = static_cast<char>(word >> (8 * i));
+    }
+#else
+    std::memcpy(p, &word, sizeof(word));
+#endif
 }
 
 // The top bit of each byte of word from low to high (both below 0x80), and no other bit.

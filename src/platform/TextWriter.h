@@ -2,8 +2,9 @@
 // inside a text value; nothing else is translated. Buffered; remembers the first error.
 //
 // The writers put a bank together piece by piece straight in the buffer: Write for texts that
-// may hold a line feed, WriteVerbatim, WriteNumber and EndLine for the pieces that cannot.
-// Those three are inline, as a save appends tens of short pieces for each of many machines.
+// may hold a line feed, WriteVerbatim, WriteNumber and EndLine for the pieces that cannot, or
+// Reserve and Commit around a run of such pieces. These are inline, as a save appends tens of
+// short pieces for each of many machines.
 #ifndef QZR_PLATFORM_TEXTWRITER_H
 #define QZR_PLATFORM_TEXTWRITER_H
 
@@ -39,6 +40,13 @@ class TextWriter {
     void WriteNumber(char* (*write)(Value, char*), Value value) {
         char* out = Room(kLongestNumber);
         m_used += static_cast<std::size_t>(write(value, out) - out);
+    }
+    // Room for size bytes at the end of the buffer, for a writer that puts pieces together
+    // there with a pointer of its own and then hands the end of what it wrote to Commit.
+    // The pieces hold no line feed (a line end goes in as CR LF).
+    char* Reserve(std::size_t size) { return Room(size); }
+    void Commit(const char* end) {
+        m_used = static_cast<std::size_t>(end - reinterpret_cast<const char*>(m_buffer.data()));
     }
     // The line end on disk, as Write("\n") gives it.
     void EndLine() {

@@ -254,7 +254,7 @@ TEST(CNumbers, AgreeWithTheGnuCLibrary) {
     const double kInfinity = std::numeric_limits<double>::infinity();
     for (const double limit :
          {0.0, 0x1p-1074, 0x1p-1022, 0x1p-64, 0x1p-11, 0x1p52, 0x1p63 / 100, 0x1p64 / 1e6, 1e-4,
-          1e6, kInfinity, std::numeric_limits<double>::quiet_NaN()}) {
+          1e6, 999.995, 9999.995, 99999.995, kInfinity, std::numeric_limits<double>::quiet_NaN()}) {
         ExpectNeighboursWriteAsGlibc(limit);
         ExpectNeighboursWriteAsGlibc(-limit);
     }

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 #include <tuple>
+#include <type_traits>
 #include <utility>
 
 #include <QZRMachine/QZRIM.h>
@@ -18,6 +19,7 @@
 #include "bank/legacy/LegacyColumns.h"
 #include "catalogue/QZRMoldingMachineCtrlAccess.h"
 #include "platform/CNumbers.h"
+#include "platform/ShortFixed.h"
 #include "platform/TextWriter.h"
 
 using qzr::catalogue::CQZRMoldingMachineCtrlAccess;
@@ -80,25 +82,6 @@ constexpr auto kNozzleGetters = std::make_tuple(0 QZR_NOZZLE_FIELDS(QZR_NOZZLE_G
 #undef QZR_RECORD_GETTER
 #undef QZR_NOZZLE_GETTER
 
-template <records::LegacyNumber>
-void WriteValue(platform::TextWriter& out, const char* text) {
-    if (text != nullptr) {
-        out.Write(text);
-    }
-}
-template <records::LegacyNumber>
-void WriteValue(platform::TextWriter& out, int value) {
-    out.WriteNumber(&platform::WriteD, value);
-}
-template <records::LegacyNumber number>
-void WriteValue(platform::TextWriter& out, double value) {
-    if constexpr (number == records::LegacyNumber::kGeneral) {
-        out.WriteNumber(&platform::WriteLg, value);
-    } else {
-        out.WriteNumber(&platform::WriteWidth6Fixed2, value);
-    }
-}
-
 template <size_t position>
 auto ColumnValue(const CQZRIM& machine, const NozzleSpecification& nozzle) {
     constexpr ColumnPlace place = kRowColumns[position];
@@ -111,35 +94,92 @@ auto ColumnValue(const CQZRIM& machine, const NozzleSpecification& nozzle) {
     }
 }
 
+template <size_t position>
+constexpr bool kIsTextColumn =
+    std::is_same_v<decltype(ColumnValue<position>(std::declval<const CQZRIM&>(),
+                                                  std::declval<const NozzleSpecification&>())),
+                   const char*>;
+
+// The texts lead the row (maker, grade, remark); the numbers follow them.
+template <size_t... positions>
+constexpr size_t CountLeadingTexts(std::index_sequence<positions...>) {
+    size_t count = 0;
+    bool leading = true;
+    ((leading = leading && kIsTextColumn<positions>, count += leading ? 1 : 0), ...);
+    return count;
+}
+constexpr size_t kTextColumns = CountLeadingTexts(std::make_index_sequence<kColumnCount>());
+constexpr size_t kNumberColumns = kColumnCount - kTextColumns;
+
+template <size_t... positions>
+constexpr bool NoTextAmongNumbers(std::index_sequence<positions...>) {
+    return !(kIsTextColumn<kTextColumns + positions> || ...);
+}
+static_assert(NoTextAmongNumbers(std::make_index_sequence<kNumberColumns>()),
+              "the row writer takes the texts before the numbers");
+
+template <records::LegacyNumber>
+char* WriteNumber(int value, char* out) {
+    return platform::WriteD(value, out);
+}
+template <records::LegacyNumber number>
+char* WriteNumber(double value, char* out) {
+    if constexpr (number == records::LegacyNumber::kGeneral) {
+        return platform::WriteLg(value, out);
+    } else {
+        return platform::WriteWidth6Fixed2Inline(value, out);
+    }
+}
+
+// Each text may hold a line feed, which Write turns into CR LF; the numbers and the line end
+// cannot, and go into one stretch of the buffer reserved for the longest they could be.
+void WriteText(platform::TextWriter& out, const char* text) {
+    out.WriteVerbatim(",");
+    if (text != nullptr) {
+        out.Write(text);
+    }
+}
+
+template <class Values, size_t... positions>
+void WriteTexts(platform::TextWriter& out, const Values& values,
+                std::index_sequence<positions...>) {
+    (WriteText(out, std::get<positions>(values)), ...);
+}
+
+template <class Values, size_t... positions>
+void WriteNumbersAndLineEnd(platform::TextWriter& out, const Values& values,
+                            std::index_sequence<positions...>) {
+    constexpr size_t kRoom = kNumberColumns * (1 + platform::kLongestNumber) + 2;
+    char* p = out.Reserve(kRoom);
+    ((*p++ = ',', p = WriteNumber<ColumnAt(kRowColumns[kTextColumns + positions]).number>(
+                      std::get<kTextColumns + positions>(values), p)),
+     ...);
+    p[0] = '\r';
+    p[1] = '\n';
+    out.Commit(p + 2);
+}
+
 // All values are fetched before any is written, so that the record's memory is read in one go
 // rather than between the number conversions.
 template <size_t... positions>
-void WriteColumns(platform::TextWriter& out, const CQZRIM& machine,
-                  std::index_sequence<positions...>) {
+void WriteRow(platform::TextWriter& out, const CQZRIM& machine, std::index_sequence<positions...>) {
     const NozzleSpecification& nozzle = machine.GetNozzleSpecification();
     const auto values = std::make_tuple(ColumnValue<positions>(machine, nozzle)...);
-    ((out.WriteVerbatim(","),
-      WriteValue<ColumnAt(kRowColumns[positions]).number>(out, std::get<positions>(values))),
-     ...);
+    out.WriteVerbatim("1");
+    WriteTexts(out, values, std::make_index_sequence<kTextColumns>());
+    WriteNumbersAndLineEnd(out, values, std::make_index_sequence<kNumberColumns>());
 }
 
 void WriteRow(platform::TextWriter& out, const CQZRIM& machine) {
-    out.WriteVerbatim("1");
-    WriteColumns(out, machine, std::make_index_sequence<kColumnCount>());
-    out.EndLine();
+    WriteRow(out, machine, std::make_index_sequence<kColumnCount>());
 }
 
 // Every injection-moulding machine in catalogue order; an index that falls on a machine of a
 // transfer-moulding group is not handed out as a CQZRIM and gets no row.
 void WriteOldUserBank(platform::TextWriter& out, const CQZRMoldingMachineCtrl& catalogue) {
     out.Write(OldUserBankHead());
-    const bank::CatalogueWalk walk(catalogue);
-    for (int index = 0; index < walk.TotalMachine(); ++index) {
-        walk.Prefetch<CQZRIM>(index + bank::CatalogueWalk::kPrefetchDistance);
-        if (const CQZRIM* machine = walk.Fetch<CQZRIM>(index)) {
-            WriteRow(out, *machine);
-        }
-    }
+    bank::CatalogueWalk(catalogue).ForEachMachine<CQZRIM>(
+        [&out](int, const CQZRIM& machine) { WriteRow(out, machine); });
     out.Write("[EOF]\n");
 }
 

@@ -114,13 +114,10 @@ void WriteSection(TextWriter& out, const MachineSectionFormat<Record>& format, i
 template <class Record>
 void WriteMachineSections(TextWriter& out, const CQZRMoldingMachineCtrl& catalogue,
                           const MachineSectionFormat<Record>& format) {
-    const qzr::bank::CatalogueWalk walk(catalogue);
-    for (int index = 0; index < walk.TotalMachine(); ++index) {
-        walk.Prefetch<Record>(index + CatalogueWalk::kPrefetchDistance);
-        if (const Record* machine = walk.Fetch<Record>(index)) {
-            WriteSection(out, format, index + 1, *machine);
-        }
-    }
+    qzr::bank::CatalogueWalk(catalogue).ForEachMachine<Record>(
+        [&out, &format](int index, const Record& machine) {
+            WriteSection(out, format, index + 1, machine);
+        });
 }
 
 template <class Record>
