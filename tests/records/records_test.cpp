@@ -7,7 +7,9 @@
 #include <limits>
 #include <string>
 #include <utility>
+#include <vector>
 
+#include "records/BlockPool.h"
 #include "records/NameRule.h"
 #include "records/RecordFields.h"
 
@@ -162,6 +164,36 @@ TEST(Identity, TextsReadThroughVirtualGetters) {
     EXPECT_FALSE(CQZRIM().IsMachineIdentity(OtherRemark()));
     EXPECT_FALSE(OtherRemark().IsMachineIdentity(CQZRIM()));
     EXPECT_TRUE(CQZRIM().IsSimpleMachineIdentity(OtherRemark()));
+}
+
+// Blocks stay apart while others are freed and taken again across many slabs, in an order that
+// empties some slabs and leaves others partly used.
+TEST(BlockPool, BlocksStayApart) {
+    BlockPool pool(40);
+    std::vector<std::pair<unsigned char*, unsigned char>> live;
+    for (int round = 1; round <= 4; ++round) {
+        while (live.size() < 5000) {
+            const auto tag = static_cast<unsigned char>(live.size() * round % 251);
+            live.emplace_back(static_cast<unsigned char*>(pool.Allocate()), tag);
+            std::memset(live.back().first, tag, 40);
+        }
+        std::vector<std::pair<unsigned char*, unsigned char>> kept;
+        for (size_t i = 0; i < live.size(); ++i) {
+            const auto [block, tag] = live[i];
+            ASSERT_TRUE(
+                std::all_of(block, block + 40, [t = tag](unsigned char c) { return c == t; }))
+                << "round " << round << ", block " << i;
+            if (i % (round + 1) == 0 && (i < 1000 || i > 3000)) {
+                kept.push_back(live[i]);
+            } else {
+                pool.Free(block);
+            }
+        }
+        live = kept;
+    }
+    for (const auto& block : live) {
+        pool.Free(block.first);
+    }
 }
 
 }  // namespace
