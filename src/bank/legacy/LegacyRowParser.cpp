@@ -1,5 +1,6 @@
 #include "bank/legacy/LegacyRowParser.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstring>
@@ -107,12 +108,6 @@ const LayoutFields& FieldsOf(LegacyRowLayout layout) {
         return byLayout;
     }();
     return kByLayout[static_cast<size_t>(layout)];
-}
-
-// strlen, but looking at no more than maxChars characters (memchr stops at the first match).
-size_t BoundedLength(const char* text, size_t maxChars) {
-    const void* end = std::memchr(text, '\0', maxChars);
-    return end == nullptr ? maxChars : static_cast<size_t>(static_cast<const char*>(end) - text);
 }
 
 // One bit for each of 64 bytes from p that is a ',' or a '\n' (bit i for byte i), sixteen
@@ -397,13 +392,11 @@ void SetLeadingFields(const char* row, const RowTokens& tokens, const LayoutFiel
 
 }  // namespace
 
-bool ParseOldRow(const char* row, LegacyRowLayout layout, CQZRIM& machine, const RowWatch* watch) {
-    if (row == nullptr) {
-        return false;
-    }
+bool ParseOldRow(std::string_view row, LegacyRowLayout layout, CQZRIM& machine,
+                 const RowWatch* watch) {
     // A longer row is cut at the DLL's work buffer, for the tokens and the remark alike.
-    const size_t length = BoundedLength(row, kOldRowMaxChars);
-    const RowTokens tokens(row, length);
+    const size_t length = std::min(row.size(), kOldRowMaxChars);
+    const RowTokens tokens(row.data(), length);
     const LayoutFields& fields = FieldsOf(layout);
     if (tokens.Count() < kLeadingTokens + fields.TrailingCount()) {
         return false;
@@ -413,7 +406,7 @@ bool ParseOldRow(const char* row, LegacyRowLayout layout, CQZRIM& machine, const
     if (watch != nullptr && notConverted != 0) {
         ReportNotConverted(*watch, tokens, fields, notConverted);
     }
-    SetLeadingFields(row, tokens, fields, machine);
+    SetLeadingFields(row.data(), tokens, fields, machine);
     return true;
 }
 
