@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <thread>
 
 namespace qzr::records {
 
@@ -46,6 +47,24 @@ void* NextFree(const void* block) {
 }
 }  // namespace
 
+// The pool held for the lifetime of the object.
+class BlockPool::Hold {
+  public:
+    explicit Hold(std::atomic<bool>& held) : m_held(held) {
+        while (m_held.exchange(true, std::memory_order_acquire)) {
+            while (m_held.load(std::memory_order_relaxed)) {
+                std::this_thread::yield();
+            }
+        }
+    }
+    Hold(const Hold&) = delete;
+    Hold& operator=(const Hold&) = delete;
+    ~Hold() { m_held.store(false, std::memory_order_release); }
+
+  private:
+    std::atomic<bool>& m_held;
+};
+
 BlockPool::BlockPool(std::size_t blockSize)
     : m_stride(sizeof(Slab*) + RoundToPointer(blockSize == 0 ? 1 : blockSize)),
       m_slabBlocks(std::max<std::size_t>(1, (kSlabBytes - Slab::HeaderBytes()) / m_stride)) {}
@@ -77,7 +96,7 @@ void BlockPool::PushWithRoom(Slab& slab) noexcept {
 }
 
 void* BlockPool::Allocate() {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const Hold hold(m_held);
     if (m_withRoom == nullptr) {
         PushWithRoom(*NewSlab());
     }
@@ -105,7 +124,7 @@ void BlockPool::Free(void* block) noexcept {
     }
     Slab* slab = nullptr;
     std::memcpy(&slab, static_cast<unsigned char*>(block) - sizeof(Slab*), sizeof(slab));
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const Hold hold(m_held);
     std::memcpy(block, &slab->freeBlocks, sizeof(slab->freeBlocks));
     slab->freeBlocks = block;
     --slab->inUse;

@@ -6,8 +6,8 @@
 #ifndef QZR_RECORDS_BLOCKPOOL_H
 #define QZR_RECORDS_BLOCKPOOL_H
 
+#include <atomic>
 #include <cstddef>
-#include <mutex>
 #include <new>
 
 namespace qzr::records {
@@ -25,12 +25,15 @@ class BlockPool {
 
   private:
     struct Slab;
+    class Hold;
 
     Slab* NewSlab();
     void Unlink(Slab& slab) noexcept;
     void PushWithRoom(Slab& slab) noexcept;
 
-    std::mutex m_mutex;
+    // Held for the few instructions that take or give back a block: a thread that finds it held
+    // yields until it is free, which costs less than a mutex when, as nearly always, it is not.
+    std::atomic<bool> m_held{false};
     std::size_t m_stride;        // a block and the link to its slab before it
     std::size_t m_slabBlocks;    // blocks per slab
     Slab* m_withRoom = nullptr;  // the slabs with a free block, most recent first
