@@ -57,24 +57,30 @@ inline unsigned ByteBits(__m128i found) {
     return static_cast<unsigned>(_mm_movemask_epi8(found));
 }
 
+// Sixteen 0 bytes, then sixteen 0xFF: the 16 bytes from kZerosThenOnes + n are 0xFF from the
+// place 16 - n on, which marks the last n bytes of a vector.
+alignas(16) constexpr unsigned char kZerosThenOnes[32] = {
+    0,    0,    0,    0,    0,    0,    0,    0,    0,    0,    0,    0,    0,    0,    0,    0,
+    0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
+
+inline __m128i LastBytes(size_t count) {
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(kZerosThenOnes + count));
+}
+
 // The tokens the rows are made of, whole: blanks, a '-', then one to fifteen digits with at
 // most one point among or after them ("  4.01", "1307.00", "-0.5", "12", "5."). The token is
-// looked at in the 16 bytes that end with its last, which puts its last digit in the lowest
-// place; length runs from 1 to 16. False for every other token.
+// looked at in the 16 bytes that end with its last, which puts its last character in the
+// vector's last byte; length runs from 1 to 16. False for every other token.
 inline bool ReadTokenDigits(const char* token, size_t length, TokenDigits* out) {
     if (length == 0 || length > 16) {
         return false;
     }
     const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(token + length - 16));
-    const __m128i index = _mm_setr_epi8(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
-    const int firstOfToken = static_cast<int>(16 - length);
-    const __m128i inToken =
-        _mm_cmpgt_epi8(index, _mm_set1_epi8(static_cast<char>(firstOfToken - 1)));
     const __m128i values = _mm_sub_epi8(bytes, _mm_set1_epi8('0'));
-    const __m128i isDigit =
-        _mm_and_si128(_mm_cmpeq_epi8(_mm_min_epu8(values, _mm_set1_epi8(9)), values), inToken);
+    const __m128i isDigit = _mm_and_si128(
+        _mm_cmpeq_epi8(_mm_min_epu8(values, _mm_set1_epi8(9)), values), LastBytes(length));
 
-    const unsigned tokenBits = 0xFFFFu << firstOfToken & 0xFFFFu;
+    const unsigned tokenBits = 0xFFFFu << (16 - length) & 0xFFFFu;
     const unsigned digits = ByteBits(isDigit);
     const unsigned blanks = ByteBits(_mm_cmpeq_epi8(bytes, _mm_set1_epi8(' '))) & tokenBits;
     const unsigned points = ByteBits(_mm_cmpeq_epi8(bytes, _mm_set1_epi8('.'))) & tokenBits;
@@ -93,12 +99,13 @@ inline bool ReadTokenDigits(const char* token, size_t length, TokenDigits* out) 
     }
 
     // The digits before the point move one place up, over it: the digits then stand together,
-    // the last in the lowest place, and the value is the sum of each times its power of ten.
+    // the last in the vector's last byte, and the value is the sum of each times its power of ten.
     const int point = points != 0 ? LowestSetBit(points) : -1;
-    const __m128i beforePoint = _mm_cmplt_epi8(index, _mm_set1_epi8(static_cast<char>(point + 1)));
+    const __m128i afterPoint = LastBytes(static_cast<size_t>(15 - point));
     const __m128i digitValues = _mm_and_si128(values, isDigit);
-    const __m128i joined = _mm_or_si128(_mm_and_si128(beforePoint, _mm_slli_si128(digitValues, 1)),
-                                        _mm_andnot_si128(beforePoint, digitValues));
+    const __m128i joined =
+        _mm_or_si128(_mm_andnot_si128(afterPoint, _mm_slli_si128(digitValues, 1)),
+                     _mm_and_si128(afterPoint, digitValues));
     const __m128i pairs = _mm_add_epi16(
         _mm_mullo_epi16(_mm_and_si128(joined, _mm_set1_epi16(0xFF)), _mm_set1_epi16(10)),
         _mm_srli_epi16(joined, 8));
