@@ -69,6 +69,18 @@ BlockPool::BlockPool(std::size_t blockSize)
     : m_stride(sizeof(Slab*) + RoundToPointer(blockSize == 0 ? 1 : blockSize)),
       m_slabBlocks(std::max<std::size_t>(1, (kSlabBytes - Slab::HeaderBytes()) / m_stride)) {}
 
+BlockPool::~BlockPool() {
+    Slab* slab = m_withRoom;
+    while (slab != nullptr) {
+        Slab* const next = slab->next;
+        if (slab->inUse == 0) {
+            slab->~Slab();
+            ::operator delete(slab);
+        }
+        slab = next;
+    }
+}
+
 BlockPool::Slab* BlockPool::NewSlab() {
     return ::new (::operator new(Slab::HeaderBytes() + m_slabBlocks * m_stride)) Slab();
 }

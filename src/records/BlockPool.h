@@ -15,6 +15,8 @@ namespace qzr::records {
 class BlockPool {
   public:
     explicit BlockPool(std::size_t blockSize);
+    // Gives back the slabs whose blocks are all free; those of blocks still taken stay theirs.
+    ~BlockPool();
     BlockPool(const BlockPool&) = delete;
     BlockPool& operator=(const BlockPool&) = delete;
 
