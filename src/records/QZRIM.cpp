@@ -2,11 +2,12 @@
 
 #include <string>
 
+#include "records/BlockPool.h"
 #include "records/MachineFields.h"
 
 using qzr::records::Comparison;
 
-struct CQZRIM::Fields {
+struct CQZRIM::Fields : qzr::records::PooledBlock<CQZRIM::Fields> {
     QZR_IMM_FIELDS(QZR_ROW_MEMBER)
     NozzleSpecification nozzleSpecification;
 };

@@ -1,10 +1,11 @@
 #include <QZRMachine/QZRRTM.h>
 
+#include "records/BlockPool.h"
 #include "records/MachineFields.h"
 
 using qzr::records::Comparison;
 
-struct CQZRRTM::Fields {
+struct CQZRRTM::Fields : qzr::records::PooledBlock<CQZRRTM::Fields> {
     QZR_RTM_FIELDS(QZR_ROW_MEMBER)
 };
 

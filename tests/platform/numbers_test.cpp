@@ -64,6 +64,17 @@ std::vector<qzr::test::DataRow> Rows(const std::string& name) {
     return rows;
 }
 
+// The scans of a row's tokens, given text as a row holds it: digits before it and after its NUL.
+bool ScanDoubleInRow(const char* text, double* value) {
+    const std::string row = "9876543210987654" + std::string(text) + '\0' + "12345678";
+    return ScanDoubleToken(row.c_str() + 16, std::strlen(text), value);
+}
+
+bool ScanIntInRow(const char* text, int* value) {
+    const std::string row = "9876543210987654" + std::string(text) + '\0' + "12345678";
+    return ScanIntToken(row.c_str() + 16, std::strlen(text), value);
+}
+
 uint64_t BitsIn(const std::string& field) {
     return std::stoull(field, nullptr, 16);
 }
@@ -72,7 +83,8 @@ void ExpectPinnedReads() {
     for (const auto& row : Rows("reads.txt")) {  // value or -, text
         const bool converts = row.fields[0] != "-";
         const std::string slack = row.fields[1] + '\0' + "12345678";
-        for (bool (*scan)(const char*, double*) : {&ScanDouble, &ScanDoubleWithSlack}) {
+        for (bool (*scan)(const char*, double*) :
+             {&ScanDouble, &ScanDoubleWithSlack, &ScanDoubleInRow}) {
             double value = kUntouched;
             EXPECT_EQ(scan(slack.c_str(), &value), converts) << row.where;
             EXPECT_EQ(Hex(Bits(value)), Hex(converts ? BitsIn(row.fields[0]) : Bits(kUntouched)))
@@ -81,9 +93,11 @@ void ExpectPinnedReads() {
     }
     for (const auto& row : Rows("ints.txt")) {
         const bool converts = row.fields[0] != "-";
-        int value = -7;
-        EXPECT_EQ(ScanInt(row.fields[1].c_str(), &value), converts) << row.where;
-        EXPECT_EQ(value, converts ? std::stoi(row.fields[0]) : -7) << row.where;
+        for (bool (*scan)(const char*, int*) : {&ScanInt, &ScanIntInRow}) {
+            int value = -7;
+            EXPECT_EQ(scan(row.fields[1].c_str(), &value), converts) << row.where;
+            EXPECT_EQ(value, converts ? std::stoi(row.fields[0]) : -7) << row.where;
+        }
     }
 }
 
@@ -153,16 +167,20 @@ void ExpectScansAsGlibc(const std::string& text) {
     got = kUntouched;
     ASSERT_EQ(ScanDoubleWithSlack(slack.c_str(), &got), converts) << Shown(text);
     ASSERT_EQ(Hex(Bits(got)), Hex(Bits(expected))) << Shown(text);
+    got = kUntouched;
+    ASSERT_EQ(ScanDoubleInRow(text.c_str(), &got), converts) << Shown(text);
+    ASSERT_EQ(Hex(Bits(got)), Hex(Bits(expected))) << Shown(text);
     // "%d" beyond 32 bits is left to the C library's whim; the table pins it.
     char* end = nullptr;
     const long long wide = std::strtoll(text.c_str(), &end, 10);
     if (wide >= INT_MIN && wide <= INT_MAX) {
         int expectedInt = -7;
-        int gotInt = -7;
-        ASSERT_EQ(ScanInt(text.c_str(), &gotInt),
-                  std::sscanf(text.c_str(), "%d", &expectedInt) == 1)
-            << Shown(text);
-        ASSERT_EQ(gotInt, expectedInt) << Shown(text);
+        const bool convertsInt = std::sscanf(text.c_str(), "%d", &expectedInt) == 1;
+        for (bool (*scan)(const char*, int*) : {&ScanInt, &ScanIntInRow}) {
+            int gotInt = -7;
+            ASSERT_EQ(scan(text.c_str(), &gotInt), convertsInt) << Shown(text);
+            ASSERT_EQ(gotInt, expectedInt) << Shown(text);
+        }
     }
 }
 

@@ -127,8 +127,7 @@ class LegacyBankScan {
                 NoteDeclaredCount();
             }
             if (m_inDatabase) {
-                // The ID carries over from the row before when this one's does not convert.
-                platform::ScanInt(m_text.data(), &m_rowId);
+                ReadRowId();
                 const bool taken = !m_rules.onlyRowIdOne || m_rowId == 1;
                 if (taken && !m_text.empty()) {
                     Tell(LoadRow());
@@ -153,6 +152,22 @@ class LegacyBankScan {
         }
     }
 
+    // "%d" of the line: the ID carries over from the row before when this one's does not
+    // convert. A line that starts with digits and holds a byte after them is read where it
+    // lies, in the reader's buffer; any other from a copy that ends where the line does.
+    void ReadRowId() {
+        size_t digits = 0;
+        while (digits < m_text.size() && m_text[digits] >= '0' && m_text[digits] <= '9') {
+            ++digits;
+        }
+        if (digits > 0 && digits < m_text.size()) {
+            platform::ScanInt(m_text.data(), &m_rowId);
+        } else {
+            m_scratch.assign(m_text);
+            platform::ScanInt(m_scratch.c_str(), &m_rowId);
+        }
+    }
+
     // "TotalNo," and the number of rows a system bank declares; only an observer asks.
     void NoteDeclaredCount() {
         const size_t at = m_text.find("TotalNo,");
@@ -168,10 +183,11 @@ class LegacyBankScan {
     }
 
     bool ReadLine() {
-        if (!m_file.ReadLine(&m_line, kOldRowMaxChars)) {
+        std::string_view piece;
+        if (!m_file.ReadPiece(&piece, kOldRowMaxChars)) {
             return false;
         }
-        SetText(std::string_view(m_line.c_str()));
+        SetText(piece.substr(0, piece.find('\0')));
         if (m_observer != nullptr && m_file.PieceWasCut() && m_file.LineNumber() != m_lastCutLine) {
             m_lastCutLine = m_file.LineNumber();
             m_observer->OnLineCut({m_path, m_lastCutLine, kOldRowMaxChars});
@@ -225,7 +241,7 @@ class LegacyBankScan {
     bank::LegacyLine LoadRow() {
         auto machine = std::make_unique<CQZRIM>(m_defaultMachine);
         const RowWatch watch{m_observer, m_path, m_file.LineNumber()};
-        if (!ParseOldRow(m_text.data(), m_rules.rowLayout(m_catalogue.GetFileVersion()), *machine,
+        if (!ParseOldRow(m_text, m_rules.rowLayout(m_catalogue.GetFileVersion()), *machine,
                          m_observer != nullptr ? &watch : nullptr)) {
             return bank::LegacyLine::kRowTooFewFields;
         }
@@ -250,10 +266,10 @@ class LegacyBankScan {
     bool m_hasDeclared = false;
     long m_lastCutLine = 0;
 
-    std::string m_line;           // the current line piece, reused from line to line
-    std::string_view m_text;      // m_line up to its first NUL
+    std::string m_line;           // the first word of a version line
+    std::string_view m_text;      // the current line piece up to its first NUL
     bool m_holdsBracket = false;  // whether m_text holds a ']'
-    std::string m_scratch;        // the version line with its commas made blanks
+    std::string m_scratch;        // a copy of the line to read numbers from
     bool m_headerSeen = false;
     bool m_inDatabase = false;
     int m_version = 1000;

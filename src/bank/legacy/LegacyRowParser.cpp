@@ -1,5 +1,6 @@
 #include "bank/legacy/LegacyRowParser.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstring>
@@ -109,12 +110,6 @@ const LayoutFields& FieldsOf(LegacyRowLayout layout) {
     return kByLayout[static_cast<size_t>(layout)];
 }
 
-// strlen, but looking at no more than maxChars characters (memchr stops at the first match).
-size_t BoundedLength(const char* text, size_t maxChars) {
-    const void* end = std::memchr(text, '\0', maxChars);
-    return end == nullptr ? maxChars : static_cast<size_t>(static_cast<const char*>(end) - text);
-}
-
 // One bit for each of 64 bytes from p that is a ',' or a '\n' (bit i for byte i), sixteen
 // bytes at a time where the processor has SSE2.
 uint64_t DelimiterBits(const char* p) {
@@ -156,13 +151,15 @@ class RowTokens {
 
     // row holds no NUL among its first length characters.
     RowTokens(const char* row, size_t length) {
-        std::memcpy(m_text, row, length);
-        std::memset(m_text + length, 0, kBlock);  // a NUL ends the last token; no delimiter
-        size_t start = 0;                         // of the token being read
+        std::memset(m_buffer, 0, kFront);
+        char* const text = m_buffer + kFront;
+        std::memcpy(text, row, length);
+        std::memset(text + length, 0, kBlock);  // a NUL ends the last token; no delimiter
+        size_t start = 0;                       // of the token being read
         for (size_t block = 0; block < length; block += kBlock) {
-            for (uint64_t bits = DelimiterBits(m_text + block); bits != 0; bits &= bits - 1) {
+            for (uint64_t bits = DelimiterBits(text + block); bits != 0; bits &= bits - 1) {
                 const size_t delimiter = block + static_cast<size_t>(platform::LowestSetBit(bits));
-                m_text[delimiter] = '\0';
+                text[delimiter] = '\0';
                 Take(start, delimiter);
                 start = delimiter + 1;
             }
@@ -172,14 +169,17 @@ class RowTokens {
 
     int Count() const { return m_count; }
     // The token at a 0-based position; a NUL-terminated text.
-    const char* Token(int index) const { return m_text + m_start[index]; }
+    const char* Token(int index) const { return m_buffer + kFront + m_start[index]; }
     size_t Length(int index) const { return m_length[index]; }
     size_t Start(int index) const { return m_start[index]; }
     // The token at a place counted back from the last one (1 = last).
     const char* FromEnd(int place) const { return Token(m_count - place); }
+    size_t LengthFromEnd(int place) const { return Length(m_count - place); }
 
   private:
     static constexpr size_t kBlock = 64;
+    // Room before the row, so that the 16 bytes ending with any token's last can be read.
+    static constexpr size_t kFront = 16;
 
     // The characters from start up to end, unless there are none.
     void Take(size_t start, size_t end) {
@@ -190,26 +190,26 @@ class RowTokens {
         }
     }
 
-    // Room for the row, its NUL and the rest of its last block of 64 bytes.
-    char m_text[kOldRowMaxChars + 1 + kBlock];
+    // Room for the row, its NUL and the rest of its last block of 64 bytes, after kFront.
+    char m_buffer[kFront + kOldRowMaxChars + 1 + kBlock];
     uint16_t m_start[kMaxTokens];
     uint16_t m_length[kMaxTokens];
     int m_count = 0;
 };
 
 // "%lf" for a real, "%d" for an integer, handed to set; false, with set not called, when the
-// token does not convert. The token lies in the row buffer of RowTokens, with room after it.
+// token does not convert. The token lies in the row buffer of RowTokens, with room around it.
 template <records::FieldType type, class Set>
-bool ReadToken(const char* token, Set set) {
+bool ReadToken(const char* token, size_t length, Set set) {
     if constexpr (type == records::FieldType::kReal) {
         double value = 0.0;
-        if (!platform::ScanDoubleWithSlack(token, &value)) {
+        if (!platform::ScanDoubleToken(token, length, &value)) {
             return false;
         }
         set(value);
     } else if constexpr (type == records::FieldType::kInteger) {
         int value = 0;
-        if (!platform::ScanInt(token, &value)) {
+        if (!platform::ScanIntToken(token, length, &value)) {
             return false;
         }
         set(value);
@@ -221,15 +221,15 @@ bool ReadToken(const char* token, Set set) {
 
 // The readers of each list, by list index + 1: a field from its token.
 #define QZR_PASSED(Type) records::FieldValue<records::FieldType::k##Type>::Passed
-#define QZR_RECORD_READER(Name, Type, ...)                                \
-    , [](CQZRIM& m, const char* token) {                                  \
-        return ReadToken<records::FieldType::k##Type>(                    \
-            token, [&m](QZR_PASSED(Type) value) { m.Set##Name(value); }); \
+#define QZR_RECORD_READER(Name, Type, ...)                                        \
+    , [](CQZRIM& m, const char* token, size_t length) {                           \
+        return ReadToken<records::FieldType::k##Type>(                            \
+            token, length, [&m](QZR_PASSED(Type) value) { m.Set##Name(value); }); \
     }
-#define QZR_NOZZLE_READER(Name, Type, ...)                            \
-    , [](NozzleSpecification& n, const char* token) {                 \
-        return ReadToken<records::FieldType::k##Type>(                \
-            token, [&n](QZR_PASSED(Type) value) { n.Name = value; }); \
+#define QZR_NOZZLE_READER(Name, Type, ...)                                    \
+    , [](NozzleSpecification& n, const char* token, size_t length) {          \
+        return ReadToken<records::FieldType::k##Type>(                        \
+            token, length, [&n](QZR_PASSED(Type) value) { n.Name = value; }); \
     }
 constexpr auto kCommonReaders = std::make_tuple(0 QZR_COMMON_FIELDS(QZR_RECORD_READER));
 constexpr auto kIMMReaders = std::make_tuple(0 QZR_IMM_FIELDS(QZR_RECORD_READER));
@@ -273,13 +273,15 @@ template <LegacyRowLayout layout, size_t position>
 bool ReadColumn(const RowTokens& tokens, CQZRIM& machine, NozzleSpecification& nozzle) {
     using Plan = TrailingPlan<layout>;
     constexpr ColumnPlace place = Plan::kPlaces[position];
-    const char* token = tokens.FromEnd(static_cast<int>(Plan::kCount - position));
+    constexpr int fromEnd = static_cast<int>(Plan::kCount - position);
+    const char* token = tokens.FromEnd(fromEnd);
+    const size_t length = tokens.LengthFromEnd(fromEnd);
     if constexpr (place.list == TableList::kCommon) {
-        return std::get<place.index + 1>(kCommonReaders)(machine, token);
+        return std::get<place.index + 1>(kCommonReaders)(machine, token, length);
     } else if constexpr (place.list == TableList::kIMM) {
-        return std::get<place.index + 1>(kIMMReaders)(machine, token);
+        return std::get<place.index + 1>(kIMMReaders)(machine, token, length);
     } else {
-        return std::get<place.index + 1>(kNozzleReaders)(nozzle, token);
+        return std::get<place.index + 1>(kNozzleReaders)(nozzle, token, length);
     }
 }
 
@@ -390,13 +392,11 @@ void SetLeadingFields(const char* row, const RowTokens& tokens, const LayoutFiel
 
 }  // namespace
 
-bool ParseOldRow(const char* row, LegacyRowLayout layout, CQZRIM& machine, const RowWatch* watch) {
-    if (row == nullptr) {
-        return false;
-    }
+bool ParseOldRow(std::string_view row, LegacyRowLayout layout, CQZRIM& machine,
+                 const RowWatch* watch) {
     // A longer row is cut at the DLL's work buffer, for the tokens and the remark alike.
-    const size_t length = BoundedLength(row, kOldRowMaxChars);
-    const RowTokens tokens(row, length);
+    const size_t length = std::min(row.size(), kOldRowMaxChars);
+    const RowTokens tokens(row.data(), length);
     const LayoutFields& fields = FieldsOf(layout);
     if (tokens.Count() < kLeadingTokens + fields.TrailingCount()) {
         return false;
@@ -406,7 +406,7 @@ bool ParseOldRow(const char* row, LegacyRowLayout layout, CQZRIM& machine, const
     if (watch != nullptr && notConverted != 0) {
         ReportNotConverted(*watch, tokens, fields, notConverted);
     }
-    SetLeadingFields(row, tokens, fields, machine);
+    SetLeadingFields(row.data(), tokens, fields, machine);
     return true;
 }
 

@@ -26,10 +26,10 @@ struct RowWatch {
     long line;
 };
 
-// Fills machine from row, the layout's columns as the field table gives them. False, with
-// machine unchanged, when the row has too few tokens. With a watch, each trailing value that
-// does not convert is told to its observer.
-bool ParseOldRow(const char* row, bank::LegacyRowLayout layout, CQZRIM& machine,
+// Fills machine from row (which holds no NUL), the layout's columns as the field table gives
+// them. False, with machine unchanged, when the row has too few tokens. With a watch, each
+// trailing value that does not convert is told to its observer.
+bool ParseOldRow(std::string_view row, bank::LegacyRowLayout layout, CQZRIM& machine,
                  const RowWatch* watch = nullptr);
 
 }  // namespace qzr::legacy
