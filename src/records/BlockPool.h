@@ -51,16 +51,31 @@ BlockPool& PoolOf() {
     return *pool;
 }
 
+// Whether records take their private data from the pools. A build for AddressSanitizer leaves
+// every block to the general heap, so that a block used after it was freed is still caught.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool kRecordsUsePools = false;
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+constexpr bool kRecordsUsePools = false;
+#else
+constexpr bool kRecordsUsePools = true;
+#endif
+#else
+constexpr bool kRecordsUsePools = true;
+#endif
+
 // Gives the private data of a record its pool: derive Fields from PooledBlock<Fields>.
 template <class Fields>
 struct PooledBlock {
     // Blocks are aligned for a pointer, which is all the private data needs.
     static void* operator new(std::size_t size) {
         static_assert(alignof(Fields) <= alignof(void*), "blocks are aligned for a pointer");
-        return size == sizeof(Fields) ? PoolOf<Fields>().Allocate() : ::operator new(size);
+        return kRecordsUsePools && size == sizeof(Fields) ? PoolOf<Fields>().Allocate()
+                                                          : ::operator new(size);
     }
     static void operator delete(void* block, std::size_t size) noexcept {
-        if (size == sizeof(Fields)) {
+        if (kRecordsUsePools && size == sizeof(Fields)) {
             PoolOf<Fields>().Free(block);
         } else {
             ::operator delete(block);
