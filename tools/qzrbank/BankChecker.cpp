@@ -65,6 +65,7 @@ std::vector<SeenMachine<Record>> InLoadOrder(const CQZRMoldingMachineCtrl& catal
     std::vector<SeenMachine<Record>> machines;
     machines.reserve(static_cast<size_t>(walk.TotalMachine()));
     for (int index = 0; index < walk.TotalMachine(); ++index) {
+        walk.Prefetch<Record>(index + qzr::bank::CatalogueWalk::kPrefetchDistance);
         if (const Record* machine = walk.Fetch<Record>(index)) {
             machines.push_back({machine->GetMachineID(), machine, FoldedNameHash(*machine)});
         }
@@ -94,65 +95,100 @@ std::vector<SeenMachine<Record>> InLoadOrder(const CQZRMoldingMachineCtrl& catal
 
 constexpr size_t kNone = static_cast<size_t>(-1);
 
+// Asks the processor to start loading memory that is read a little later.
+void PrefetchMemory(const void* address) {
+#if defined(__GNUC__)
+    __builtin_prefetch(address);
+#else
+    static_cast<void>(address);
+#endif
+}
+
 // The search for machines that repeat an earlier machine's name, machine after machine in load
 // order. The machines that matched none before them are kept by the hash of their folded name:
-// an open-addressing table holds the first of each hash, the others of that hash are chained
-// behind it in load order, and only machines of one hash are compared.
+// an open-addressing table holds the first of each hash (and where its record is, so that a
+// repeat finds it at once), the others of that hash are chained behind it in load order, and
+// only machines of one hash are compared. Slots tell hashes apart by their upper half: two
+// names that share a slot and an upper half share a chain, which only costs comparisons.
 template <class Record>
 class SameNameSearch {
   public:
     explicit SameNameSearch(const std::vector<SeenMachine<Record>>& machines)
-        : m_machines(machines), m_next(machines.size(), kNone) {
+        : m_machines(machines), m_next(machines.size(), kEnd) {
         size_t slots = 16;
         while (slots < 2 * machines.size()) {
             slots *= 2;
         }
         m_slots.resize(slots);
+        m_mask = slots - 1;
     }
 
     // The first earlier machine of machine j's folded name that the name rule takes for the
     // same name, among those that matched none before them; kNone when there is none, and j
     // joins them.
     size_t EarlierOf(size_t j) {
+        if (j + kLookAhead < m_machines.size()) {
+            PrefetchMemory(&m_slots[SlotOf(m_machines[j + kLookAhead].nameHash)]);
+        }
         const Record& machine = *m_machines[j].record;
-        size_t* link = &Head(m_machines[j].nameHash);
-        for (; *link != kNone; link = &m_next[*link]) {
-            const Record& earlier = *m_machines[*link].record;
-            if (SameFoldedName(earlier, machine) && earlier.IsNameIdentity(machine)) {
+        Slot& slot = SlotFor(m_machines[j].nameHash);
+        if (slot.first == kEnd) {
+            slot.first = static_cast<uint32_t>(j);
+            slot.record = &machine;
+            return kNone;
+        }
+        if (Matches(*slot.record, machine)) {
+            return slot.first;
+        }
+        uint32_t* link = &m_next[slot.first];
+        for (; *link != kEnd; link = &m_next[*link]) {
+            if (Matches(*m_machines[*link].record, machine)) {
                 return *link;
             }
         }
-        *link = j;
+        *link = static_cast<uint32_t>(j);
         return kNone;
     }
 
   private:
+    static constexpr uint32_t kEnd = static_cast<uint32_t>(-1);
+    // How many machines ahead the search asks for the slot a machine will look at.
+    static constexpr size_t kLookAhead = 8;
+
     struct Slot {
-        uint64_t hash = 0;
-        size_t first = kNone;
+        uint32_t upperHash = 0;
+        uint32_t first = kEnd;
+        const Record* record = nullptr;
     };
 
-    size_t& Head(uint64_t hash) {
-        const size_t mask = m_slots.size() - 1;
-        size_t slot = static_cast<size_t>(hash) & mask;
-        while (m_slots[slot].first != kNone && m_slots[slot].hash != hash) {
-            slot = (slot + 1) & mask;
+    static bool Matches(const Record& earlier, const Record& machine) {
+        return SameFoldedName(earlier, machine) && earlier.IsNameIdentity(machine);
+    }
+
+    size_t SlotOf(uint64_t hash) const { return static_cast<size_t>(hash) & m_mask; }
+
+    Slot& SlotFor(uint64_t hash) {
+        const uint32_t upper = static_cast<uint32_t>(hash >> 32);
+        size_t slot = SlotOf(hash);
+        while (m_slots[slot].first != kEnd && m_slots[slot].upperHash != upper) {
+            slot = (slot + 1) & m_mask;
         }
-        m_slots[slot].hash = hash;
-        return m_slots[slot].first;
+        m_slots[slot].upperHash = upper;
+        return m_slots[slot];
     }
 
     const std::vector<SeenMachine<Record>>& m_machines;
     std::vector<Slot> m_slots;
-    std::vector<size_t> m_next;  // the next machine of the same hash that matched none before it
+    size_t m_mask = 0;
+    std::vector<uint32_t> m_next;  // the next machine of the chain that matched none before it
 };
 
 // A machine that repeats the name of an earlier one, both by their place among the watcher's
 // origins.
 struct Repeat {
     const CQZRMoldingMachine* machine;
-    size_t origin;
-    size_t earlierOrigin;
+    uint32_t origin;
+    uint32_t earlierOrigin;
     bool identical;
 };
 
@@ -165,7 +201,8 @@ void FindRepeats(const std::vector<SeenMachine<Record>>& machines, size_t first,
         const size_t earlier = search.EarlierOf(j);
         if (earlier != kNone) {
             const Record& machine = *machines[j].record;
-            repeats->push_back({&machine, first + j, first + earlier,
+            repeats->push_back({&machine, static_cast<uint32_t>(first + j),
+                                static_cast<uint32_t>(first + earlier),
                                 machines[earlier].record->IsMachineIdentity(machine)});
         }
     }
