@@ -104,6 +104,16 @@ void PrefetchMemory(const void* address) {
 #endif
 }
 
+// The same for a machine's record and the field blocks allocated with it, which usually
+// follow it in memory: the names and the data the comparisons read.
+void PrefetchRecord(const void* record) {
+    constexpr size_t kCacheLine = 64;
+    constexpr size_t kRecordAndFields = 11 * kCacheLine;
+    for (size_t offset = 0; offset < kRecordAndFields; offset += kCacheLine) {
+        PrefetchMemory(static_cast<const char*>(record) + offset);
+    }
+}
+
 // The search for machines that repeat an earlier machine's name, machine after machine in load
 // order. The machines that matched none before them are kept by the hash of their folded name:
 // an open-addressing table holds the first of each hash (and where its record is, so that a
@@ -127,8 +137,17 @@ class SameNameSearch {
     // same name, among those that matched none before them; kNone when there is none, and j
     // joins them.
     size_t EarlierOf(size_t j) {
+        // The slot of a machine further ahead, then the machine and the first of its slot
+        // (where the slot has arrived by then) nearer ahead.
+        if (j + 2 * kLookAhead < m_machines.size()) {
+            PrefetchMemory(&m_slots[SlotOf(m_machines[j + 2 * kLookAhead].nameHash)]);
+        }
         if (j + kLookAhead < m_machines.size()) {
-            PrefetchMemory(&m_slots[SlotOf(m_machines[j + kLookAhead].nameHash)]);
+            const SeenMachine<Record>& ahead = m_machines[j + kLookAhead];
+            PrefetchRecord(ahead.record);
+            if (const Record* first = m_slots[SlotOf(ahead.nameHash)].record) {
+                PrefetchRecord(first);
+            }
         }
         const Record& machine = *m_machines[j].record;
         Slot& slot = SlotFor(m_machines[j].nameHash);
@@ -152,8 +171,8 @@ class SameNameSearch {
 
   private:
     static constexpr uint32_t kEnd = static_cast<uint32_t>(-1);
-    // How many machines ahead the search asks for the slot a machine will look at.
-    static constexpr size_t kLookAhead = 8;
+    // How many machines ahead the search asks for the memory a machine will read.
+    static constexpr size_t kLookAhead = 4;
 
     struct Slot {
         uint32_t upperHash = 0;
@@ -277,6 +296,7 @@ class CheckFindings {
         }
         if (unsorted >= count) {
             for (size_t made = 0; made < count; ++made) {
+                PrefetchNames(made + kLookAhead);
                 Report(made, report);
             }
             return;
@@ -311,6 +331,15 @@ class CheckFindings {
         return {m_originFiles[where.path], where.line, made};
     }
 
+    // How many findings ahead the report asks for the record whose name a finding quotes.
+    static constexpr size_t kLookAhead = 4;
+
+    void PrefetchNames(size_t made) const {
+        if (made >= m_loadFindings.size() && made < m_loadFindings.size() + m_repeats.size()) {
+            PrefetchRecord(m_repeats[made - m_loadFindings.size()].machine);
+        }
+    }
+
     void Report(size_t made, const FindingSink& report) {
         if (made < m_loadFindings.size()) {
             report(m_loadFindings[made]);
@@ -323,7 +352,9 @@ class CheckFindings {
     void MakeSameName(const Repeat& repeat) {
         const MachineOrigin& where = m_watcher.Origins()[repeat.origin];
         const MachineOrigin& earlier = m_watcher.Origins()[repeat.earlierOrigin];
-        m_sameName.path = m_originPaths[where.path];
+        if (m_sameName.path != m_originPaths[where.path]) {
+            m_sameName.path = m_originPaths[where.path];
+        }
         m_sameName.line = where.line;
         m_sameName.code = repeat.identical ? "duplicate-machine" : "same-name";
         m_name.assign(repeat.machine->GetMaker()).append(" - ").append(repeat.machine->GetGrade());

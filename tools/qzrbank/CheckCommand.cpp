@@ -39,14 +39,16 @@ class CheckReport {
     void Add(const Finding& finding) {
         ++m_findings;
         // Messages quote bank texts; a finding is reported whatever bytes it quotes.
-        m_message.clear();
-        m_encoding.AppendDecodedOrEscaped(finding.message, &m_message);
-        if (m_format == Format::kJson) {
-            AddJson(finding);
-        } else if (m_format == Format::kTable) {
-            AddTableRow(finding);
-        } else {
+        if (m_format == Format::kText) {
             AddText(finding);
+        } else {
+            m_message.clear();
+            m_encoding.AppendDecodedOrEscaped(finding.message, &m_message);
+            if (m_format == Format::kJson) {
+                AddJson(finding);
+            } else {
+                AddTableRow(finding);
+            }
         }
         if (m_text.size() >= kReportPiece) {
             Flush();
@@ -90,7 +92,7 @@ class CheckReport {
         m_text += ": ";
         m_text += SeverityName(finding.severity);
         m_text += ": ";
-        m_text += m_message;
+        m_encoding.AppendDecodedOrEscaped(finding.message, &m_text);
         m_text += '\n';
     }
 
@@ -173,7 +175,7 @@ class CheckReport {
     const TextEncoding m_encoding;
     std::ostream& m_out;
     size_t m_findings = 0;
-    std::string m_message;  // the finding's message, decoded
+    std::string m_message;  // JSON and table: the finding's message, decoded
     std::string m_text;     // written, not yet sent out
     std::vector<WatchedFile> m_files;
     std::vector<std::string> m_pathsWithFindings;  // text: to tell the clean files

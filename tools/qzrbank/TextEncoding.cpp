@@ -1,6 +1,8 @@
 #include "TextEncoding.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <cstring>
 
 #include "platform/CaseFolding.h"
 #include "platform/CodePage.h"
@@ -96,14 +98,30 @@ std::string HexByte(char byte) {
     return {digits[value >> 4], digits[value & 0xFu]};
 }
 
+// How many bytes below 0x80 the text starts with; a message holds mostly such bytes, so they
+// are tested eight at a time.
+size_t AsciiRun(std::string_view bytes) {
+    constexpr uint64_t kHighBits = 0x8080808080808080ULL;
+    size_t offset = 0;
+    uint64_t word = 0;
+    for (; offset + sizeof word <= bytes.size(); offset += sizeof word) {
+        std::memcpy(&word, bytes.data() + offset, sizeof word);
+        if ((word & kHighBits) != 0) {
+            break;
+        }
+    }
+    while (offset < bytes.size() && static_cast<unsigned char>(bytes[offset]) < 0x80) {
+        ++offset;
+    }
+    return offset;
+}
+
 // The single-byte text decoded, each byte the code page leaves undefined written as "\x81".
 void AppendSingleByteOrEscape(bool cp1252, std::string_view bytes, std::string* text) {
     size_t offset = 0;
     while (offset < bytes.size()) {
         const size_t ascii = offset;
-        while (offset < bytes.size() && static_cast<unsigned char>(bytes[offset]) < 0x80) {
-            ++offset;
-        }
+        offset += AsciiRun(bytes.substr(offset));
         text->append(bytes.data() + ascii, offset - ascii);
         if (offset == bytes.size()) {
             break;
