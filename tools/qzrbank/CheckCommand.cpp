@@ -122,18 +122,29 @@ class CheckReport {
         m_text += "\n  }";
     }
 
-    // A text with nothing to escape is written as it is; any other as JSON writes it.
+    // A text of printable ASCII is written with its quotes and backslashes escaped, as JSON
+    // writes it; any other text as JSON writes it.
     void AppendJsonString(std::string_view text) {
-        const bool plain = std::all_of(text.begin(), text.end(), [](char c) {
-            return c >= 0x20 && c < 0x7f && c != '"' && c != '\\';
-        });
-        if (plain) {
-            m_text += '"';
-            m_text += text;
-            m_text += '"';
-        } else {
+        const bool printable =
+            std::all_of(text.begin(), text.end(), [](char c) { return c >= 0x20 && c < 0x7f; });
+        if (!printable) {
             m_text += JsonText(nlohmann::ordered_json(std::string(text)));
+            return;
         }
+        m_text += '"';
+        for (size_t offset = 0; offset < text.size(); ++offset) {
+            const size_t run = offset;
+            while (offset < text.size() && text[offset] != '"' && text[offset] != '\\') {
+                ++offset;
+            }
+            m_text.append(text.data() + run, offset - run);
+            if (offset == text.size()) {
+                break;
+            }
+            m_text += '\\';
+            m_text += text[offset];
+        }
+        m_text += '"';
     }
 
     void AddTableRow(const Finding& finding) {

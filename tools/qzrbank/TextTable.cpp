@@ -52,7 +52,10 @@ size_t DisplayWidth(std::string_view utf8) {
     size_t offset = 0;
     while (offset < utf8.size()) {
         char32_t codePoint = 0;
-        if (!ReadCodePoint(utf8, &offset, &codePoint)) {
+        if (static_cast<unsigned char>(utf8[offset]) < 0x80) {
+            ++offset;  // a character below every wide and combining block
+            ++width;
+        } else if (!ReadCodePoint(utf8, &offset, &codePoint)) {
             ++offset;
             ++width;
         } else if (!InRanges(kZeroWidthRanges, codePoint)) {
