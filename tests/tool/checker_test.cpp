@@ -44,9 +44,8 @@ TEST(Checker, SameNamesAsTheStraightforwardSearchFindsThem) {
         return qzrbank::Location(finding) + ' ' + finding.code + ' ' + finding.message;
     };
     std::vector<std::string> found;
-    for (const Finding& finding : qzrbank::CheckBankFolder(bankFolder).findings) {
-        found.push_back(text(finding));
-    }
+    qzrbank::CheckBankFolder(bankFolder,
+                             [&](const Finding& finding) { found.push_back(text(finding)); });
     qzrbank::LoadWatcher watcher;
     qzrbank::LoadedFolder loaded;
     qzrbank::LoadBankFolder(bankFolder, true, false, &loaded, &watcher);

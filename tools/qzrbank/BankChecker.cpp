@@ -20,17 +20,19 @@ char FoldAscii(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
-// The bucket's key: maker and grade folded, a line feed between them.
-void FoldName(const CQZRMoldingMachine& machine, std::string* key) {
-    key->assign(machine.GetMaker());
-    *key += '\n';
-    *key += machine.GetGrade();
-    for (char& c : *key) {
-        c = FoldAscii(c);
+// Whether two texts are the same once folded.
+bool SameFolded(const char* a, const char* b) {
+    for (; *a != '\0' && FoldAscii(*a) == FoldAscii(*b); ++a, ++b) {
     }
+    return FoldAscii(*a) == FoldAscii(*b);
 }
 
-// FNV-1a of the bytes FoldName gives, without forming them.
+// Whether two machines fall in one bucket: maker and grade the same once folded.
+bool SameFoldedName(const CQZRMoldingMachine& a, const CQZRMoldingMachine& b) {
+    return SameFolded(a.GetMaker(), b.GetMaker()) && SameFolded(a.GetGrade(), b.GetGrade());
+}
+
+// FNV-1a of the folded maker, a line feed and the folded grade.
 uint64_t FoldedNameHash(const CQZRMoldingMachine& machine) {
     uint64_t hash = 14695981039346656037ULL;
     const auto add = [&hash](char c) {
@@ -50,9 +52,9 @@ uint64_t FoldedNameHash(const CQZRMoldingMachine& machine) {
 // walk has the record at hand: the catalogue's records are spread over the heap).
 template <class Record>
 struct SeenMachine {
-    int id;
-    const Record* record;
-    uint64_t nameHash;
+    int id = 0;
+    const Record* record = nullptr;
+    uint64_t nameHash = 0;
 };
 
 // Machines of one kind in load order: the catalogue issues machine ids in ascending order, and
@@ -63,8 +65,27 @@ std::vector<SeenMachine<Record>> InLoadOrder(const CQZRMoldingMachineCtrl& catal
     std::vector<SeenMachine<Record>> machines;
     machines.reserve(static_cast<size_t>(walk.TotalMachine()));
     for (int index = 0; index < walk.TotalMachine(); ++index) {
+        walk.Prefetch<Record>(index + qzr::bank::CatalogueWalk::kPrefetchDistance);
         if (const Record* machine = walk.Fetch<Record>(index)) {
             machines.push_back({machine->GetMachineID(), machine, FoldedNameHash(*machine)});
+        }
+    }
+    // A catalogue that issued n ids one after the other puts each machine at its id's offset;
+    // any other sorts them.
+    if (!machines.empty()) {
+        const auto [low, high] =
+            std::minmax_element(machines.begin(), machines.end(),
+                                [](const auto& a, const auto& b) { return a.id < b.id; });
+        if (static_cast<size_t>(high->id) - static_cast<size_t>(low->id) + 1 == machines.size()) {
+            const int first = low->id;
+            std::vector<SeenMachine<Record>> ordered(machines.size());
+            for (const SeenMachine<Record>& machine : machines) {
+                ordered[static_cast<size_t>(machine.id - first)] = machine;
+            }
+            if (std::all_of(ordered.begin(), ordered.end(),
+                            [](const auto& machine) { return machine.record != nullptr; })) {
+                return ordered;
+            }
         }
     }
     std::stable_sort(machines.begin(), machines.end(),
@@ -74,126 +95,150 @@ std::vector<SeenMachine<Record>> InLoadOrder(const CQZRMoldingMachineCtrl& catal
 
 constexpr size_t kNone = static_cast<size_t>(-1);
 
+// Asks the processor to start loading memory that is read a little later.
+void PrefetchMemory(const void* address) {
+#if defined(__GNUC__)
+    __builtin_prefetch(address);
+#else
+    static_cast<void>(address);
+#endif
+}
+
+// The same for a machine's record and the field blocks allocated with it, which usually
+// follow it in memory: the names and the data the comparisons read.
+void PrefetchRecord(const void* record) {
+    constexpr size_t kCacheLine = 64;
+    constexpr size_t kRecordAndFields = 11 * kCacheLine;
+    for (size_t offset = 0; offset < kRecordAndFields; offset += kCacheLine) {
+        PrefetchMemory(static_cast<const char*>(record) + offset);
+    }
+}
+
 // The search for machines that repeat an earlier machine's name, machine after machine in load
 // order. The machines that matched none before them are kept by the hash of their folded name:
-// an open-addressing table holds the first of each hash, the others of that hash are chained
-// behind it in load order, and only machines of one hash are compared.
+// an open-addressing table holds the first of each hash (and where its record is, so that a
+// repeat finds it at once), the others of that hash are chained behind it in load order, and
+// only machines of one hash are compared. Slots tell hashes apart by their upper half: two
+// names that share a slot and an upper half share a chain, which only costs comparisons.
 template <class Record>
 class SameNameSearch {
   public:
     explicit SameNameSearch(const std::vector<SeenMachine<Record>>& machines)
-        : m_machines(machines), m_next(machines.size(), kNone) {
+        : m_machines(machines), m_next(machines.size(), kEnd) {
         size_t slots = 16;
         while (slots < 2 * machines.size()) {
             slots *= 2;
         }
         m_slots.resize(slots);
+        m_mask = slots - 1;
     }
 
     // The first earlier machine of machine j's folded name that the name rule takes for the
     // same name, among those that matched none before them; kNone when there is none, and j
     // joins them.
     size_t EarlierOf(size_t j) {
-        const Record& machine = *m_machines[j].record;
-        size_t* link = &Head(m_machines[j].nameHash);
-        if (*link != kNone) {
-            FoldName(machine, &m_key);
+        // The slot of a machine further ahead, then the machine and the first of its slot
+        // (where the slot has arrived by then) nearer ahead.
+        if (j + 2 * kLookAhead < m_machines.size()) {
+            PrefetchMemory(&m_slots[SlotOf(m_machines[j + 2 * kLookAhead].nameHash)]);
         }
-        for (; *link != kNone; link = &m_next[*link]) {
-            const Record& earlier = *m_machines[*link].record;
-            FoldName(earlier, &m_earlierKey);
-            if (m_earlierKey == m_key && earlier.IsNameIdentity(machine)) {
+        if (j + kLookAhead < m_machines.size()) {
+            const SeenMachine<Record>& ahead = m_machines[j + kLookAhead];
+            PrefetchRecord(ahead.record);
+            if (const Record* first = m_slots[SlotOf(ahead.nameHash)].record) {
+                PrefetchRecord(first);
+            }
+        }
+        const Record& machine = *m_machines[j].record;
+        Slot& slot = SlotFor(m_machines[j].nameHash);
+        if (slot.first == kEnd) {
+            slot.first = static_cast<uint32_t>(j);
+            slot.record = &machine;
+            return kNone;
+        }
+        if (Matches(*slot.record, machine)) {
+            return slot.first;
+        }
+        uint32_t* link = &m_next[slot.first];
+        for (; *link != kEnd; link = &m_next[*link]) {
+            if (Matches(*m_machines[*link].record, machine)) {
                 return *link;
             }
         }
-        *link = j;
+        *link = static_cast<uint32_t>(j);
         return kNone;
     }
 
   private:
+    static constexpr uint32_t kEnd = static_cast<uint32_t>(-1);
+    // How many machines ahead the search asks for the memory a machine will read.
+    static constexpr size_t kLookAhead = 4;
+
     struct Slot {
-        uint64_t hash = 0;
-        size_t first = kNone;
+        uint32_t upperHash = 0;
+        uint32_t first = kEnd;
+        const Record* record = nullptr;
     };
 
-    size_t& Head(uint64_t hash) {
-        const size_t mask = m_slots.size() - 1;
-        size_t slot = static_cast<size_t>(hash) & mask;
-        while (m_slots[slot].first != kNone && m_slots[slot].hash != hash) {
-            slot = (slot + 1) & mask;
+    static bool Matches(const Record& earlier, const Record& machine) {
+        return SameFoldedName(earlier, machine) && earlier.IsNameIdentity(machine);
+    }
+
+    size_t SlotOf(uint64_t hash) const { return static_cast<size_t>(hash) & m_mask; }
+
+    Slot& SlotFor(uint64_t hash) {
+        const uint32_t upper = static_cast<uint32_t>(hash >> 32);
+        size_t slot = SlotOf(hash);
+        while (m_slots[slot].first != kEnd && m_slots[slot].upperHash != upper) {
+            slot = (slot + 1) & m_mask;
         }
-        m_slots[slot].hash = hash;
-        return m_slots[slot].first;
+        m_slots[slot].upperHash = upper;
+        return m_slots[slot];
     }
 
     const std::vector<SeenMachine<Record>>& m_machines;
     std::vector<Slot> m_slots;
-    std::vector<size_t> m_next;  // the next machine of the same hash that matched none before it
-    std::string m_key;
-    std::string m_earlierKey;
+    size_t m_mask = 0;
+    std::vector<uint32_t> m_next;  // the next machine of the chain that matched none before it
 };
 
-// "line N", and the file when it is not the one of the finding.
-void AppendWhere(const MachineOrigin& origin, const MachineOrigin& from,
-                 const std::vector<std::string>& paths, std::string* text) {
-    *text += "line ";
-    *text += std::to_string(origin.line);
-    if (paths[origin.path] != paths[from.path]) {
-        *text += " of " + NativePath(paths[origin.path]);
-    }
-}
+// A machine that repeats the name of an earlier one, both by their place among the watcher's
+// origins.
+struct Repeat {
+    const CQZRMoldingMachine* machine;
+    uint32_t origin;
+    uint32_t earlierOrigin;
+    bool identical;
+};
 
-// Machines are in load order, and origins[first + i] is where machine i was read. The
-// repeats are found first, so that the findings are made in a vector of their own size.
+// Machines are in load order, and origins[first + i] is where machine i was read.
 template <class Record>
-void ReportSameNames(const std::vector<SeenMachine<Record>>& machines, const LoadWatcher& watcher,
-                     size_t first, std::vector<Finding>* findings) {
-    struct Repeat {
-        size_t machine;
-        size_t earlier;
-        bool identical;
-    };
-    std::vector<Repeat> repeats;
+void FindRepeats(const std::vector<SeenMachine<Record>>& machines, size_t first,
+                 std::vector<Repeat>* repeats) {
     SameNameSearch<Record> search(machines);
     for (size_t j = 0; j < machines.size(); ++j) {
         const size_t earlier = search.EarlierOf(j);
         if (earlier != kNone) {
-            repeats.push_back(
-                {j, earlier, machines[earlier].record->IsMachineIdentity(*machines[j].record)});
+            const Record& machine = *machines[j].record;
+            repeats->push_back({&machine, static_cast<uint32_t>(first + j),
+                                static_cast<uint32_t>(first + earlier),
+                                machines[earlier].record->IsMachineIdentity(machine)});
         }
-    }
-    findings->reserve(findings->size() + repeats.size());
-    const std::vector<MachineOrigin>& origins = watcher.Origins();
-    std::string name;
-    for (const Repeat& repeat : repeats) {
-        const Record& machine = *machines[repeat.machine].record;
-        const MachineOrigin& where = origins[first + repeat.machine];
-        name.assign(machine.GetMaker()).append(" - ").append(machine.GetGrade());
-        std::string message;
-        message.reserve(160);
-        AppendQuoted(name, &message);
-        message += repeat.identical ? " repeats the machine of " : " has the maker and grade of ";
-        AppendWhere(origins[first + repeat.earlier], where, watcher.OriginPaths(), &message);
-        if (!repeat.identical) {
-            message += " with other data: lookups by maker and grade find only the first";
-        }
-        findings->push_back({watcher.OriginPaths()[where.path], where.line, Severity::kWarning,
-                             repeat.identical ? "duplicate-machine" : "same-name",
-                             std::move(message)});
     }
 }
 
 // The injection-moulding catalogue is loaded before the transfer-moulding one, so its
 // machines come first among the origins.
-void ReportSameNames(const CQZRMoldingMachineCtrl& imm, const CQZRMoldingMachineCtrl& rtm,
-                     const LoadWatcher& watcher, std::vector<Finding>* findings) {
+std::vector<Repeat> FindRepeats(const CQZRMoldingMachineCtrl& imm,
+                                const CQZRMoldingMachineCtrl& rtm, const LoadWatcher& watcher) {
+    std::vector<Repeat> repeats;
     const auto immMachines = InLoadOrder<CQZRIM>(imm);
     const auto rtmMachines = InLoadOrder<CQZRRTM>(rtm);
-    if (immMachines.size() + rtmMachines.size() != watcher.Origins().size()) {
-        return;  // a machine the catalogue did not take: origins and machines do not pair
-    }
-    ReportSameNames(immMachines, watcher, 0, findings);
-    ReportSameNames(rtmMachines, watcher, immMachines.size(), findings);
+    if (immMachines.size() + rtmMachines.size() == watcher.Origins().size()) {
+        FindRepeats(immMachines, 0, &repeats);
+        FindRepeats(rtmMachines, immMachines.size(), &repeats);
+    }  // else a machine the catalogue did not take: origins and machines do not pair
+    return repeats;
 }
 
 // Paths as the platform writes them; a load's findings mostly name one file after another.
@@ -209,9 +254,65 @@ void UseNativePaths(std::vector<Finding>* findings) {
     }
 }
 
-// Files in load order (folders found in other letter case before them), lines in order, and
-// findings of one line in the order they were made.
-void SortByFileAndLine(const std::vector<WatchedFile>& files, std::vector<Finding>* findings) {
+// The place of a path among the files (folders found in other letter case come before their
+// files); -1 for none.
+long FilePlace(const std::vector<WatchedFile>& files, const std::string& path) {
+    const auto file = std::find_if(files.begin(), files.end(),
+                                   [&path](const WatchedFile& seen) { return seen.path == path; });
+    return file == files.end() ? -1 : static_cast<long>(file - files.begin());
+}
+
+// The findings of one check, reported by file in load order, lines in order, and findings of
+// one line in the order they were made: the loads' findings first, then the repeated names.
+class CheckFindings {
+  public:
+    CheckFindings(LoadWatcher& watcher, const std::vector<WatchedFile>& files,
+                  std::vector<Repeat> repeats)
+        : m_watcher(watcher),
+          m_loadFindings(watcher.TakeFindings()),
+          m_repeats(std::move(repeats)) {
+        UseNativePaths(&m_loadFindings);
+        const std::string* lastPath = nullptr;
+        for (const Finding& finding : m_loadFindings) {
+            if (lastPath == nullptr || *lastPath != finding.path) {
+                m_loadFindingFiles.push_back(FilePlace(files, finding.path));
+                lastPath = &finding.path;
+            } else {
+                m_loadFindingFiles.push_back(m_loadFindingFiles.back());
+            }
+        }
+        for (const std::string& path : watcher.OriginPaths()) {
+            m_originPaths.push_back(NativePath(path));
+            m_originFiles.push_back(FilePlace(files, m_originPaths.back()));
+        }
+        m_sameName.severity = Severity::kWarning;
+    }
+
+    void Report(const FindingSink& report) {
+        const size_t count = m_loadFindings.size() + m_repeats.size();
+        size_t unsorted = 1;
+        while (unsorted < count && PlaceOf(unsorted - 1) < PlaceOf(unsorted)) {
+            ++unsorted;
+        }
+        if (unsorted >= count) {
+            for (size_t made = 0; made < count; ++made) {
+                PrefetchNames(made + kLookAhead);
+                Report(made, report);
+            }
+            return;
+        }
+        std::vector<Place> places;
+        places.reserve(count);
+        for (size_t made = 0; made < count; ++made) {
+            places.push_back(PlaceOf(made));
+        }
+        std::sort(places.begin(), places.end());
+        for (const Place& place : places) {
+            Report(place.made, report);
+        }
+    }
+
+  private:
     struct Place {
         long file;
         long line;
@@ -220,47 +321,82 @@ void SortByFileAndLine(const std::vector<WatchedFile>& files, std::vector<Findin
             return std::tie(file, line, made) < std::tie(other.file, other.line, other.made);
         }
     };
-    std::vector<Place> places;
-    places.reserve(findings->size());
-    const std::string* lastPath = nullptr;
-    long lastFile = -1;
-    for (const Finding& finding : *findings) {
-        if (lastPath == nullptr || *lastPath != finding.path) {
-            const auto file = std::find_if(
-                files.begin(), files.end(),
-                [&finding](const WatchedFile& seen) { return seen.path == finding.path; });
-            lastFile = file == files.end() ? -1 : static_cast<long>(file - files.begin());
-            lastPath = &finding.path;
-        }
-        places.push_back({lastFile, finding.line, places.size()});
-    }
-    if (std::is_sorted(places.begin(), places.end())) {
-        return;
-    }
-    std::sort(places.begin(), places.end());
-    std::vector<Finding> sorted;
-    sorted.reserve(findings->size());
-    for (const Place& place : places) {
-        sorted.push_back(std::move((*findings)[place.made]));
-    }
-    *findings = std::move(sorted);
-}
 
-CheckResult Finish(LoadWatcher& watcher, const CQZRMoldingMachineCtrl& imm,
-                   const CQZRMoldingMachineCtrl& rtm) {
-    CheckResult result{watcher.TakeFindings(), watcher.Files()};
-    ReportSameNames(imm, rtm, watcher, &result.findings);
-    for (WatchedFile& file : result.files) {
+    Place PlaceOf(size_t made) const {
+        if (made < m_loadFindings.size()) {
+            return {m_loadFindingFiles[made], m_loadFindings[made].line, made};
+        }
+        const MachineOrigin& where =
+            m_watcher.Origins()[m_repeats[made - m_loadFindings.size()].origin];
+        return {m_originFiles[where.path], where.line, made};
+    }
+
+    // How many findings ahead the report asks for the record whose name a finding quotes.
+    static constexpr size_t kLookAhead = 4;
+
+    void PrefetchNames(size_t made) const {
+        if (made >= m_loadFindings.size() && made < m_loadFindings.size() + m_repeats.size()) {
+            PrefetchRecord(m_repeats[made - m_loadFindings.size()].machine);
+        }
+    }
+
+    void Report(size_t made, const FindingSink& report) {
+        if (made < m_loadFindings.size()) {
+            report(m_loadFindings[made]);
+        } else {
+            MakeSameName(m_repeats[made - m_loadFindings.size()]);
+            report(m_sameName);
+        }
+    }
+
+    void MakeSameName(const Repeat& repeat) {
+        const MachineOrigin& where = m_watcher.Origins()[repeat.origin];
+        const MachineOrigin& earlier = m_watcher.Origins()[repeat.earlierOrigin];
+        if (m_sameName.path != m_originPaths[where.path]) {
+            m_sameName.path = m_originPaths[where.path];
+        }
+        m_sameName.line = where.line;
+        m_sameName.code = repeat.identical ? "duplicate-machine" : "same-name";
+        m_name.assign(repeat.machine->GetMaker()).append(" - ").append(repeat.machine->GetGrade());
+        std::string& message = m_sameName.message;
+        message.clear();
+        AppendQuoted(m_name, &message);
+        message += repeat.identical ? " repeats the machine of " : " has the maker and grade of ";
+        message += "line ";
+        message += std::to_string(earlier.line);
+        const std::vector<std::string>& paths = m_watcher.OriginPaths();
+        if (earlier.path != where.path && paths[earlier.path] != paths[where.path]) {
+            message += " of ";
+            message += m_originPaths[earlier.path];
+        }
+        if (!repeat.identical) {
+            message += " with other data: lookups by maker and grade find only the first";
+        }
+    }
+
+    const LoadWatcher& m_watcher;
+    std::vector<Finding> m_loadFindings;
+    std::vector<Repeat> m_repeats;
+    std::vector<std::string> m_originPaths;  // native
+    std::vector<long> m_originFiles;         // the place of each among the files
+    std::vector<long> m_loadFindingFiles;    // the place of each finding's file among the files
+    Finding m_sameName;
+    std::string m_name;
+};
+
+std::vector<WatchedFile> Finish(LoadWatcher& watcher, const CQZRMoldingMachineCtrl& imm,
+                                const CQZRMoldingMachineCtrl& rtm, const FindingSink& report) {
+    std::vector<WatchedFile> files = watcher.Files();
+    for (WatchedFile& file : files) {
         file.path = NativePath(file.path);
     }
-    UseNativePaths(&result.findings);
-    SortByFileAndLine(result.files, &result.findings);
-    return result;
+    CheckFindings(watcher, files, FindRepeats(imm, rtm, watcher)).Report(report);
+    return files;
 }
 
 }  // namespace
 
-CheckResult CheckBankFile(const std::string& path) {
+std::vector<WatchedFile> CheckBankFile(const std::string& path, const FindingSink& report) {
     // A file no loader recognises still goes to one, which reports its header as refused.
     BankLoad load = BankLoad::OldIMMUser;
     LoadOfKind(RecognizeBankFile(path).kind, &load);
@@ -271,14 +407,14 @@ CheckResult CheckBankFile(const std::string& path) {
         const qzr::bank::ScopedLoadObserver watch(&watcher);
         LoadBank(load, path, IsRTMLoad(load) ? &rtm : &imm);
     }
-    return Finish(watcher, imm, rtm);
+    return Finish(watcher, imm, rtm, report);
 }
 
-CheckResult CheckBankFolder(const BankFolder& folder) {
+std::vector<WatchedFile> CheckBankFolder(const BankFolder& folder, const FindingSink& report) {
     LoadWatcher watcher;
     LoadedFolder loaded;
     LoadBankFolder(folder, true, true, &loaded, &watcher);
-    return Finish(watcher, loaded.imm.Catalogue(), loaded.rtm.Catalogue());
+    return Finish(watcher, loaded.imm.Catalogue(), loaded.rtm.Catalogue(), report);
 }
 
 }  // namespace qzrbank

@@ -4,6 +4,7 @@
 #ifndef QZRBANK_BANKCHECKER_H
 #define QZRBANK_BANKCHECKER_H
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -13,16 +14,16 @@
 
 namespace qzrbank {
 
-struct CheckResult {
-    std::vector<Finding> findings;   // by file, then by line
-    std::vector<WatchedFile> files;  // every file the loads looked at, in load order
-};
+// Takes a check's findings one at a time, by file, then by line; a finding lives only for the
+// call, so that a report of any size is written as it is made rather than held.
+using FindingSink = std::function<void(const Finding&)>;
 
-// One bank file, loaded by the loader of the kind its header is recognised as.
-CheckResult CheckBankFile(const std::string& path);
+// One bank file, loaded by the loader of the kind its header is recognised as. Gives every
+// file the load looked at, in load order.
+std::vector<WatchedFile> CheckBankFile(const std::string& path, const FindingSink& report);
 
 // A Bank folder, loaded as a host loads it.
-CheckResult CheckBankFolder(const BankFolder& folder);
+std::vector<WatchedFile> CheckBankFolder(const BankFolder& folder, const FindingSink& report);
 
 }  // namespace qzrbank
 

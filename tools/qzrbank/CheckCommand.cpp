@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <string_view>
 #include <system_error>
 
 #include "BankChecker.h"
@@ -21,19 +22,181 @@ namespace {
 
 constexpr char kStandardInput[] = "<stdin>";
 
-void Append(CheckResult part, CheckResult* all) {
-    if (all->findings.empty() && all->files.empty()) {
-        *all = std::move(part);
-        return;
+// The report's text goes out in pieces of about this size.
+constexpr size_t kReportPiece = 64 * 1024;
+
+// A check's report, written as its findings come: as compiler messages or as JSON, while a
+// table, whose columns are as wide as their widest cell, keeps its cells until the end.
+class CheckReport {
+  public:
+    CheckReport(const std::string& format, const TextEncoding& encoding, std::ostream& out)
+        : m_format(format == "json"    ? Format::kJson
+                   : format == "table" ? Format::kTable
+                                       : Format::kText),
+          m_encoding(encoding),
+          m_out(out) {}
+
+    void Add(const Finding& finding) {
+        ++m_findings;
+        // Messages quote bank texts; a finding is reported whatever bytes it quotes.
+        if (m_format == Format::kText) {
+            AddText(finding);
+        } else {
+            m_message.clear();
+            m_encoding.AppendDecodedOrEscaped(finding.message, &m_message);
+            if (m_format == Format::kJson) {
+                AddJson(finding);
+            } else {
+                AddTableRow(finding);
+            }
+        }
+        if (m_text.size() >= kReportPiece) {
+            Flush();
+        }
     }
-    all->findings.insert(all->findings.end(), std::make_move_iterator(part.findings.begin()),
-                         std::make_move_iterator(part.findings.end()));
-    all->files.insert(all->files.end(), std::make_move_iterator(part.files.begin()),
-                      std::make_move_iterator(part.files.end()));
-}
+
+    void AddFiles(std::vector<WatchedFile> files) {
+        m_files.insert(m_files.end(), std::make_move_iterator(files.begin()),
+                       std::make_move_iterator(files.end()));
+    }
+
+    // Writes what waits for the last finding.
+    void Finish() {
+        if (m_format == Format::kJson) {
+            m_text += m_findings == 0 ? "[]\n" : "\n]\n";
+        } else if (m_format == Format::kTable) {
+            PrintTableRows();
+        } else {
+            PrintCleanFiles();
+        }
+        Flush();
+    }
+
+    bool AnyFinding() const { return m_findings > 0; }
+
+  private:
+    enum class Format { kText, kTable, kJson };
+
+    static constexpr size_t kColumns = 5;
+
+    void Flush() {
+        m_out.write(m_text.data(), static_cast<std::streamsize>(m_text.size()));
+        m_text.clear();
+    }
+
+    void AddText(const Finding& finding) {
+        if (m_pathsWithFindings.empty() || m_pathsWithFindings.back() != finding.path) {
+            m_pathsWithFindings.push_back(finding.path);
+        }
+        AppendLocation(finding, &m_text);
+        m_text += ": ";
+        m_text += SeverityName(finding.severity);
+        m_text += ": ";
+        m_encoding.AppendDecodedOrEscaped(finding.message, &m_text);
+        m_text += '\n';
+    }
+
+    void PrintCleanFiles() {
+        for (const WatchedFile& file : m_files) {
+            if (std::find(m_pathsWithFindings.begin(), m_pathsWithFindings.end(), file.path) ==
+                m_pathsWithFindings.end()) {
+                m_text += file.path;
+                m_text += ": clean, ";
+                m_text += std::to_string(file.machinesRead);
+                m_text += file.machinesRead == 1 ? " machine loads\n" : " machines load\n";
+            }
+        }
+    }
+
+    void AddJson(const Finding& finding) {
+        m_text += m_findings == 1 ? "[\n  {\n    \"path\": " : ",\n  {\n    \"path\": ";
+        AppendJsonString(finding.path);
+        m_text += ",\n    \"line\": ";
+        m_text += std::to_string(finding.line);
+        m_text += ",\n    \"severity\": ";
+        AppendJsonString(SeverityName(finding.severity));
+        m_text += ",\n    \"code\": ";
+        AppendJsonString(finding.code);
+        m_text += ",\n    \"message\": ";
+        AppendJsonString(m_message);
+        m_text += "\n  }";
+    }
+
+    // A text of printable ASCII is written with its quotes and backslashes escaped, as JSON
+    // writes it; any other text as JSON writes it.
+    void AppendJsonString(std::string_view text) {
+        const bool printable =
+            std::all_of(text.begin(), text.end(), [](char c) { return c >= 0x20 && c < 0x7f; });
+        if (!printable) {
+            m_text += JsonText(nlohmann::ordered_json(std::string(text)));
+            return;
+        }
+        m_text += '"';
+        for (size_t offset = 0; offset < text.size(); ++offset) {
+            const size_t run = offset;
+            while (offset < text.size() && text[offset] != '"' && text[offset] != '\\') {
+                ++offset;
+            }
+            m_text.append(text.data() + run, offset - run);
+            if (offset == text.size()) {
+                break;
+            }
+            m_text += '\\';
+            m_text += text[offset];
+        }
+        m_text += '"';
+    }
+
+    void AddTableRow(const Finding& finding) {
+        const std::string line = std::to_string(finding.line);
+        const std::string_view cells[kColumns] = {
+            finding.path, line, SeverityName(finding.severity), finding.code, m_message};
+        for (size_t column = 0; column < kColumns; ++column) {
+            m_cells += cells[column];
+            m_cellEnds.push_back(m_cells.size());
+            m_widths[column] = std::max(m_widths[column], DisplayWidth(cells[column]));
+        }
+    }
+
+    void PrintTableRows() {
+        const std::vector<std::string_view> header = {"Path", "Line", "Severity", "Code",
+                                                      "Message"};
+        const std::vector<bool> rightAligned = {false, true, false, false, false};
+        std::vector<size_t> widths(kColumns);
+        for (size_t column = 0; column < kColumns; ++column) {
+            widths[column] = std::max(m_widths[column], DisplayWidth(header[column]));
+        }
+        AppendTableRow(header, widths, rightAligned, &m_text);
+        std::vector<std::string_view> row(kColumns);
+        size_t start = 0;
+        for (size_t cell = 0; cell < m_cellEnds.size(); ++cell) {
+            row[cell % kColumns] =
+                std::string_view(m_cells).substr(start, m_cellEnds[cell] - start);
+            start = m_cellEnds[cell];
+            if (cell % kColumns == kColumns - 1) {
+                AppendTableRow(row, widths, rightAligned, &m_text);
+                if (m_text.size() >= kReportPiece) {
+                    Flush();
+                }
+            }
+        }
+    }
+
+    const Format m_format;
+    const TextEncoding m_encoding;
+    std::ostream& m_out;
+    size_t m_findings = 0;
+    std::string m_message;  // JSON and table: the finding's message, decoded
+    std::string m_text;     // written, not yet sent out
+    std::vector<WatchedFile> m_files;
+    std::vector<std::string> m_pathsWithFindings;  // text: to tell the clean files
+    std::string m_cells;                           // table: every cell, one after the other
+    std::vector<size_t> m_cellEnds;
+    size_t m_widths[kColumns] = {};
+};
 
 // Standard input, checked as a file in a temporary folder and named "<stdin>".
-bool CheckStandardInput(std::istream& in, CheckResult* all, std::string* error) {
+bool CheckStandardInput(std::istream& in, CheckReport* report, std::string* error) {
     std::error_code code;
     const TemporaryFolder folder(fs::temp_directory_path(code));
     const fs::path path = folder.Path() / "stdin.bnk";
@@ -49,14 +212,16 @@ bool CheckStandardInput(std::istream& in, CheckResult* all, std::string* error) 
         *error = std::string(kStandardInput) + ": cannot be kept in a temporary file";
         return false;
     }
-    CheckResult result = CheckBankFile(path.string());
-    for (Finding& finding : result.findings) {
-        finding.path = kStandardInput;
-    }
-    for (WatchedFile& file : result.files) {
+    Finding renamed;
+    std::vector<WatchedFile> files = CheckBankFile(path.string(), [&](const Finding& finding) {
+        renamed = finding;
+        renamed.path = kStandardInput;
+        report->Add(renamed);
+    });
+    for (WatchedFile& file : files) {
         file.path = kStandardInput;
     }
-    Append(std::move(result), all);
+    report->AddFiles(std::move(files));
     return true;
 }
 
@@ -69,10 +234,11 @@ bool IsBankFileName(const fs::path& path) {
 
 // A Bank folder (or the folder holding one) as a host loads it; any other folder bank file by
 // bank file, in name order.
-bool CheckFolder(const std::string& dir, CheckResult* all, std::string* error) {
+bool CheckFolder(const std::string& dir, CheckReport* report, std::string* error) {
+    const FindingSink add = [report](const Finding& finding) { report->Add(finding); };
     BankFolder bankFolder;
     if (LocateBankFolder(dir, &bankFolder, error)) {
-        Append(CheckBankFolder(bankFolder), all);
+        report->AddFiles(CheckBankFolder(bankFolder, add));
         return true;
     }
     std::vector<std::string> files;
@@ -89,70 +255,27 @@ bool CheckFolder(const std::string& dir, CheckResult* all, std::string* error) {
     }
     std::sort(files.begin(), files.end());
     for (const std::string& file : files) {
-        Append(CheckBankFile(file), all);
+        report->AddFiles(CheckBankFile(file, add));
     }
     return true;
 }
 
-bool CheckTarget(const std::string& target, std::istream& in, CheckResult* all,
+bool CheckTarget(const std::string& target, std::istream& in, CheckReport* report,
                  std::string* error) {
     if (target == "-") {
-        return CheckStandardInput(in, all, error);
+        return CheckStandardInput(in, report, error);
     }
     const std::string problem = ReadProblem(target);
     if (problem == "is a folder") {
-        return CheckFolder(target, all, error);
+        return CheckFolder(target, report, error);
     }
     if (!problem.empty()) {
         *error = target + ": " + problem;
         return false;
     }
-    Append(CheckBankFile(target), all);
+    report->AddFiles(
+        CheckBankFile(target, [report](const Finding& finding) { report->Add(finding); }));
     return true;
-}
-
-void PrintText(const CheckResult& result, std::ostream& out) {
-    std::string line;
-    for (const Finding& finding : result.findings) {
-        line.clear();
-        AppendLocation(finding, &line);
-        line += ": ";
-        line += SeverityName(finding.severity);
-        line += ": ";
-        line += finding.message;
-        line += '\n';
-        out << line;
-    }
-    for (const WatchedFile& file : result.files) {
-        const bool clean =
-            std::none_of(result.findings.begin(), result.findings.end(),
-                         [&file](const Finding& finding) { return finding.path == file.path; });
-        if (clean) {
-            out << file.path << ": clean, " << file.machinesRead
-                << (file.machinesRead == 1 ? " machine loads\n" : " machines load\n");
-        }
-    }
-}
-
-void PrintFindingTable(const CheckResult& result, const std::string& format, std::ostream& out) {
-    TextTable table;
-    table.header = {"Path", "Line", "Severity", "Code", "Message"};
-    table.rightAligned = {false, true, false, false, false};
-    nlohmann::ordered_json json = nlohmann::ordered_json::array();
-    for (const Finding& finding : result.findings) {
-        table.rows.push_back({finding.path, std::to_string(finding.line),
-                              SeverityName(finding.severity), finding.code, finding.message});
-        json.push_back({{"path", finding.path},
-                        {"line", finding.line},
-                        {"severity", SeverityName(finding.severity)},
-                        {"code", finding.code},
-                        {"message", finding.message}});
-    }
-    if (format == "json") {
-        out << JsonText(json) << '\n';
-    } else {
-        PrintTable(out, table);
-    }
 }
 
 }  // namespace
@@ -162,25 +285,17 @@ int RunCheck(const CheckOptions& options, std::istream& in, std::ostream& out, s
     if (!encoding) {
         return kExitError;
     }
-    CheckResult all;
+    CheckReport report(options.format, *encoding, out);
     bool anyError = false;
     for (const std::string& target : options.targets) {
         std::string error;
-        if (!CheckTarget(target, in, &all, &error)) {
+        if (!CheckTarget(target, in, &report, &error)) {
             err << "qzrbank: " << error << '\n';
             anyError = true;
         }
     }
-    // Messages quote bank texts; a finding is reported whatever bytes it quotes.
-    for (Finding& finding : all.findings) {
-        encoding->DecodeOrEscapeInPlace(&finding.message);
-    }
-    if (options.format == "text") {
-        PrintText(all, out);
-    } else {
-        PrintFindingTable(all, options.format, out);
-    }
-    return anyError ? kExitError : all.findings.empty() ? kExitOk : kExitNegative;
+    report.Finish();
+    return anyError ? kExitError : report.AnyFinding() ? kExitNegative : kExitOk;
 }
 
 }  // namespace qzrbank

@@ -38,17 +38,27 @@ std::string Location(const Finding& finding) {
 
 void AppendQuoted(std::string_view text, std::string* quoted) {
     *quoted += '"';
-    for (const char c : text) {
+    const auto plain = [](char c) {
         const unsigned char byte = static_cast<unsigned char>(c);
+        return c != '"' && c != '\\' && byte >= 0x20 && byte != 0x7f;
+    };
+    for (size_t offset = 0; offset < text.size(); ++offset) {
+        const size_t run = offset;
+        while (offset < text.size() && plain(text[offset])) {
+            ++offset;
+        }
+        quoted->append(text.data() + run, offset - run);
+        if (offset == text.size()) {
+            break;
+        }
+        const char c = text[offset];
         if (c == '"' || c == '\\') {
             *quoted += '\\';
             *quoted += c;
-        } else if (byte < 0x20 || byte == 0x7f) {
-            char escape[8];
-            std::snprintf(escape, sizeof escape, "\\x%02x", byte);
-            *quoted += escape;
         } else {
-            *quoted += c;
+            char escape[8];
+            std::snprintf(escape, sizeof escape, "\\x%02x", static_cast<unsigned char>(c));
+            *quoted += escape;
         }
     }
     *quoted += '"';

@@ -1,6 +1,8 @@
 #include "TextEncoding.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <cstring>
 
 #include "platform/CaseFolding.h"
 #include "platform/CodePage.h"
@@ -96,6 +98,45 @@ std::string HexByte(char byte) {
     return {digits[value >> 4], digits[value & 0xFu]};
 }
 
+// How many bytes below 0x80 the text starts with; a message holds mostly such bytes, so they
+// are tested eight at a time.
+size_t AsciiRun(std::string_view bytes) {
+    constexpr uint64_t kHighBits = 0x8080808080808080ULL;
+    size_t offset = 0;
+    uint64_t word = 0;
+    for (; offset + sizeof word <= bytes.size(); offset += sizeof word) {
+        std::memcpy(&word, bytes.data() + offset, sizeof word);
+        if ((word & kHighBits) != 0) {
+            break;
+        }
+    }
+    while (offset < bytes.size() && static_cast<unsigned char>(bytes[offset]) < 0x80) {
+        ++offset;
+    }
+    return offset;
+}
+
+// The single-byte text decoded, each byte the code page leaves undefined written as "\x81".
+void AppendSingleByteOrEscape(bool cp1252, std::string_view bytes, std::string* text) {
+    size_t offset = 0;
+    while (offset < bytes.size()) {
+        const size_t ascii = offset;
+        offset += AsciiRun(bytes.substr(offset));
+        text->append(bytes.data() + ascii, offset - ascii);
+        if (offset == bytes.size()) {
+            break;
+        }
+        const char32_t codePoint =
+            SingleByteCharacter(cp1252, static_cast<unsigned char>(bytes[offset]));
+        if (codePoint == 0) {
+            *text += "\\x" + HexByte(bytes[offset]);
+        } else {
+            AppendUtf8(codePoint, text);
+        }
+        ++offset;
+    }
+}
+
 EncodedText FromPlatform(const qzr::platform::CodePageConversion& conversion) {
     EncodedText result;
     result.ok = conversion.ok;
@@ -148,27 +189,23 @@ EncodedText TextEncoding::Encode(std::string_view utf8) const {
 
 std::string TextEncoding::DecodeOrEscape(std::string_view bytes) const {
     std::string text;
-    while (!bytes.empty()) {
-        EncodedText decoded = Decode(bytes);
-        if (text.empty()) {
-            text = std::move(decoded.text);
-        } else {
-            text += decoded.text;
-        }
-        if (decoded.ok) {
-            break;
-        }
-        text += "\\x" + HexByte(bytes[decoded.badOffset]);
-        bytes.remove_prefix(decoded.badOffset + 1);
-    }
+    AppendDecodedOrEscaped(bytes, &text);
     return text;
 }
 
-void TextEncoding::DecodeOrEscapeInPlace(std::string* text) const {
-    const bool ascii = std::all_of(text->begin(), text->end(),
-                                   [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-    if (!ascii || m_codePage == CodePage::Cp932) {
-        *text = DecodeOrEscape(*text);
+void TextEncoding::AppendDecodedOrEscaped(std::string_view bytes, std::string* text) const {
+    if (m_codePage != CodePage::Cp932) {
+        AppendSingleByteOrEscape(m_codePage == CodePage::Cp1252, bytes, text);
+        return;
+    }
+    while (!bytes.empty()) {
+        const EncodedText decoded = Decode(bytes);
+        *text += decoded.text;
+        if (decoded.ok) {
+            break;
+        }
+        *text += "\\x" + HexByte(bytes[decoded.badOffset]);
+        bytes.remove_prefix(decoded.badOffset + 1);
     }
 }
 

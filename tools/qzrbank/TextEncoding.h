@@ -40,9 +40,8 @@ class TextEncoding {
     // The text decoded, each byte that does not decode written as "\x81": for messages that quote
     // bank texts, which must show every byte and never fail.
     std::string DecodeOrEscape(std::string_view bytes) const;
-    // The same in place; a text of a single-byte code page that holds no byte above 127 is
-    // already its own UTF-8 and stays as it is.
-    void DecodeOrEscapeInPlace(std::string* text) const;
+    // The same, appended to *text.
+    void AppendDecodedOrEscaped(std::string_view bytes, std::string* text) const;
 
     // "byte 0x81 at offset 3 is not cp1252", for the byte of bytes at offset.
     std::string ByteError(std::string_view bytes, size_t offset) const;

@@ -45,37 +45,17 @@ std::string CsvCell(const std::string& cell) {
     return quoted + "\"";
 }
 
-void PrintRow(std::ostream& out, const std::vector<std::string>& row,
-              const std::vector<size_t>& widths, const std::vector<bool>& rightAligned) {
-    std::string line;
-    for (size_t column = 0; column < row.size(); ++column) {
-        const std::string& cell = row[column];
-        const size_t padding = widths[column] - DisplayWidth(cell);
-        const bool right = column < rightAligned.size() && rightAligned[column];
-        if (column > 0) {
-            line += "  ";
-        }
-        if (right) {
-            line.append(padding, ' ');
-        }
-        line += cell;
-        if (!right) {
-            line.append(padding, ' ');
-        }
-    }
-    const size_t end = line.find_last_not_of(' ');
-    line.erase(end == std::string::npos ? 0 : end + 1);
-    out << line << '\n';
-}
-
 }  // namespace
 
-size_t DisplayWidth(const std::string& utf8) {
+size_t DisplayWidth(std::string_view utf8) {
     size_t width = 0;
     size_t offset = 0;
     while (offset < utf8.size()) {
         char32_t codePoint = 0;
-        if (!ReadCodePoint(utf8, &offset, &codePoint)) {
+        if (static_cast<unsigned char>(utf8[offset]) < 0x80) {
+            ++offset;  // a character below every wide and combining block
+            ++width;
+        } else if (!ReadCodePoint(utf8, &offset, &codePoint)) {
             ++offset;
             ++width;
         } else if (!InRanges(kZeroWidthRanges, codePoint)) {
@@ -96,14 +76,45 @@ void PrintTable(std::ostream& out, const TextTable& table) {
     for (const auto& row : table.rows) {
         widen(row);
     }
-    PrintRow(out, table.header, widths, table.rightAligned);
+    std::vector<std::string_view> cells;
+    std::string line;
+    auto print = [&](const std::vector<std::string>& row) {
+        cells.assign(row.begin(), row.end());
+        line.clear();
+        AppendTableRow(cells, widths, table.rightAligned, &line);
+        out << line;
+    };
+    print(table.header);
     for (size_t i = 0; i < table.rows.size(); ++i) {
         if (i > 0 && std::find(table.groupStarts.begin(), table.groupStarts.end(), i) !=
                          table.groupStarts.end()) {
             out << '\n';
         }
-        PrintRow(out, table.rows[i], widths, table.rightAligned);
+        print(table.rows[i]);
     }
+}
+
+void AppendTableRow(const std::vector<std::string_view>& cells, const std::vector<size_t>& widths,
+                    const std::vector<bool>& rightAligned, std::string* text) {
+    const size_t start = text->size();
+    for (size_t column = 0; column < cells.size(); ++column) {
+        const std::string_view cell = cells[column];
+        const size_t padding = widths[column] - DisplayWidth(cell);
+        const bool right = column < rightAligned.size() && rightAligned[column];
+        if (column > 0) {
+            *text += "  ";
+        }
+        if (right) {
+            text->append(padding, ' ');
+        }
+        *text += cell;
+        if (!right) {
+            text->append(padding, ' ');
+        }
+    }
+    const size_t end = text->find_last_not_of(' ');
+    text->erase(end == std::string::npos || end < start ? start : end + 1);
+    *text += '\n';
 }
 
 void PrintCsv(std::ostream& out, const TextTable& table) {

@@ -5,6 +5,7 @@
 
 #include <ostream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <nlohmann/json.hpp>
@@ -20,10 +21,13 @@ struct TextTable {
 
 // The columns a UTF-8 text takes on a terminal: East Asian wide characters take two, combining
 // marks none, every other character (and every byte that starts no character) one.
-size_t DisplayWidth(const std::string& utf8);
+size_t DisplayWidth(std::string_view utf8);
 
 // Columns two blanks apart, padded to their widest cell by display width; no trailing blanks.
 void PrintTable(std::ostream& out, const TextTable& table);
+// One line of such a table, its columns widths[i] wide, appended to *text.
+void AppendTableRow(const std::vector<std::string_view>& cells, const std::vector<size_t>& widths,
+                    const std::vector<bool>& rightAligned, std::string* text);
 // One line per row, header first; cells with a comma, quote or line end are quoted.
 void PrintCsv(std::ostream& out, const TextTable& table);
 
