@@ -64,12 +64,9 @@ std::vector<SeenMachine<Record>> InLoadOrder(const CQZRMoldingMachineCtrl& catal
     const qzr::bank::CatalogueWalk walk(catalogue);
     std::vector<SeenMachine<Record>> machines;
     machines.reserve(static_cast<size_t>(walk.TotalMachine()));
-    for (int index = 0; index < walk.TotalMachine(); ++index) {
-        walk.Prefetch<Record>(index + qzr::bank::CatalogueWalk::kPrefetchDistance);
-        if (const Record* machine = walk.Fetch<Record>(index)) {
-            machines.push_back({machine->GetMachineID(), machine, FoldedNameHash(*machine)});
-        }
-    }
+    walk.ForEachMachine<Record>([&machines](int, const Record& machine) {
+        machines.push_back({machine.GetMachineID(), &machine, FoldedNameHash(machine)});
+    });
     // A catalogue that issued n ids one after the other puts each machine at its id's offset;
     // any other sorts them.
     if (!machines.empty()) {
