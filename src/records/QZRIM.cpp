@@ -2,12 +2,11 @@
 
 #include <string>
 
-#include "records/BlockPool.h"
 #include "records/MachineFields.h"
 
 using qzr::records::Comparison;
 
-struct CQZRIM::Fields : qzr::records::PooledBlock<CQZRIM::Fields> {
+struct CQZRIM::Fields {
     QZR_IMM_FIELDS(QZR_ROW_MEMBER)
     NozzleSpecification nozzleSpecification;
 };

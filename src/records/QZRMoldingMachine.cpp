@@ -3,11 +3,10 @@
 #include <cstring>
 #include <string>
 
-#include "records/BlockPool.h"
 #include "records/MachineFields.h"
 #include "records/NameRule.h"
 
-struct CQZRMoldingMachine::Fields : qzr::records::PooledBlock<CQZRMoldingMachine::Fields> {
+struct CQZRMoldingMachine::Fields {
     QZR_COMMON_FIELDS(QZR_ROW_MEMBER)
     QZR_CATALOGUE_NUMBERS(QZR_ROW_MEMBER)
     int machineType = -1;  // only the constructors of CQZRIM and CQZRRTM change it

@@ -1,11 +1,10 @@
 #include <QZRMachine/QZRRTM.h>
 
-#include "records/BlockPool.h"
 #include "records/MachineFields.h"
 
 using qzr::records::Comparison;
 
-struct CQZRRTM::Fields : qzr::records::PooledBlock<CQZRRTM::Fields> {
+struct CQZRRTM::Fields {
     QZR_RTM_FIELDS(QZR_ROW_MEMBER)
 };
 

@@ -6,11 +6,8 @@
 #include <cstring>
 #include <limits>
 #include <string>
-#include <thread>
 #include <utility>
-#include <vector>
 
-#include "records/BlockPool.h"
 #include "records/NameRule.h"
 #include "records/RecordFields.h"
 
@@ -165,48 +162,6 @@ TEST(Identity, TextsReadThroughVirtualGetters) {
     EXPECT_FALSE(CQZRIM().IsMachineIdentity(OtherRemark()));
     EXPECT_FALSE(OtherRemark().IsMachineIdentity(CQZRIM()));
     EXPECT_TRUE(CQZRIM().IsSimpleMachineIdentity(OtherRemark()));
-}
-
-// Takes and frees blocks of 40 bytes across many slabs, in an order that empties some slabs and
-// leaves others partly used, each block filled with a tag of its own; the number of blocks found
-// changed while they were held.
-int ChangedBlocks(BlockPool& pool, int salt) {
-    int changed = 0;
-    std::vector<std::pair<unsigned char*, unsigned char>> live;
-    for (int round = 1; round <= 8; ++round) {
-        while (live.size() < 5000) {
-            const auto tag = static_cast<unsigned char>((live.size() * round + salt) % 251);
-            live.emplace_back(static_cast<unsigned char*>(pool.Allocate()), tag);
-            std::memset(live.back().first, tag, 40);
-        }
-        std::vector<std::pair<unsigned char*, unsigned char>> kept;
-        for (size_t i = 0; i < live.size(); ++i) {
-            const auto [block, tag] = live[i];
-            changed += std::all_of(block, block + 40, [t = tag](unsigned char c) { return c == t; })
-                           ? 0
-                           : 1;
-            if (i % (round + 1) == 0 && (i < 1000 || i > 3000)) {
-                kept.push_back(live[i]);
-            } else {
-                pool.Free(block);
-            }
-        }
-        live = kept;
-    }
-    for (const auto& block : live) {
-        pool.Free(block.first);
-    }
-    return changed;
-}
-
-// Blocks stay apart, also while another thread takes and frees blocks of the same pool.
-TEST(BlockPool, BlocksStayApart) {
-    BlockPool pool(40);
-    int changedThere = -1;
-    std::thread other([&] { changedThere = ChangedBlocks(pool, 100); });
-    EXPECT_EQ(ChangedBlocks(pool, 0), 0);
-    other.join();
-    EXPECT_EQ(changedThere, 0);
 }
 
 }  // namespace
