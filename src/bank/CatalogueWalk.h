@@ -51,15 +51,14 @@ class CatalogueWalk {
             }
             slot = index < total ? Fetch<Record>(index) : nullptr;
             if (slot != nullptr) {
-                PrefetchBytes(slot);
+                PrefetchMachine(slot);
             }
         }
     }
 
-  private:
-    static constexpr int kAhead = 4;
-
-    static void PrefetchBytes(const void* start) {
+    // Asks the processor to start loading a machine's record and the field blocks allocated
+    // with it, which usually follow it in memory, for a read a little later.
+    static void PrefetchMachine(const void* start) {
 #if defined(__GNUC__)
         constexpr int kCacheLine = 64;
         constexpr int kRecordAndFields = 11 * kCacheLine;
@@ -71,6 +70,9 @@ class CatalogueWalk {
         static_cast<void>(start);
 #endif
     }
+
+  private:
+    static constexpr int kAhead = 4;
 
     const catalogue::CQZRMoldingMachineDatabase* m_store;
 };

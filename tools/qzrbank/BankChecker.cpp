@@ -101,16 +101,6 @@ void PrefetchMemory(const void* address) {
 #endif
 }
 
-// The same for a machine's record and the field blocks allocated with it, which usually
-// follow it in memory: the names and the data the comparisons read.
-void PrefetchRecord(const void* record) {
-    constexpr size_t kCacheLine = 64;
-    constexpr size_t kRecordAndFields = 11 * kCacheLine;
-    for (size_t offset = 0; offset < kRecordAndFields; offset += kCacheLine) {
-        PrefetchMemory(static_cast<const char*>(record) + offset);
-    }
-}
-
 // The search for machines that repeat an earlier machine's name, machine after machine in load
 // order. The machines that matched none before them are kept by the hash of their folded name:
 // an open-addressing table holds the first of each hash (and where its record is, so that a
@@ -141,9 +131,9 @@ class SameNameSearch {
         }
         if (j + kLookAhead < m_machines.size()) {
             const SeenMachine<Record>& ahead = m_machines[j + kLookAhead];
-            PrefetchRecord(ahead.record);
+            qzr::bank::CatalogueWalk::PrefetchMachine(ahead.record);
             if (const Record* first = m_slots[SlotOf(ahead.nameHash)].record) {
-                PrefetchRecord(first);
+                qzr::bank::CatalogueWalk::PrefetchMachine(first);
             }
         }
         const Record& machine = *m_machines[j].record;
@@ -333,7 +323,8 @@ class CheckFindings {
 
     void PrefetchNames(size_t made) const {
         if (made >= m_loadFindings.size() && made < m_loadFindings.size() + m_repeats.size()) {
-            PrefetchRecord(m_repeats[made - m_loadFindings.size()].machine);
+            qzr::bank::CatalogueWalk::PrefetchMachine(
+                m_repeats[made - m_loadFindings.size()].machine);
         }
     }
 
