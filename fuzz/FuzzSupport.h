@@ -1,6 +1,6 @@
 // Shared by the fuzz targets: a scratch folder in memory (tmpfs where the system has one), the
-// input written to a bank file in it, a fixed clock for saves, and a walk that reads every
-// machine a load put into a catalogue.
+// input written to a bank file in it, and a walk that reads every machine a load put into a
+// catalogue.
 #ifndef QZR_FUZZ_FUZZSUPPORT_H
 #define QZR_FUZZ_FUZZSUPPORT_H
 
@@ -19,8 +19,6 @@
 #include <QZRMachine/QZRIM.h>
 #include <QZRMachine/QZRMoldingMachineCtrl.h>
 #include <QZRMachine/QZRRTM.h>
-
-#include "platform/EnvWrapper.h"
 
 namespace qzr::fuzz {
 
@@ -77,16 +75,6 @@ class ScratchFolder {
     }
 
     std::filesystem::path m_path;
-};
-
-// 2 January 1980, 02:03:55 UTC for every save, so that two saves of one catalogue are equal.
-class FixedClock : public qzr::platform::EnvWrapper {
-  public:
-    FixedClock() : EnvWrapper(qzr::platform::Env::Default()), m_use(this) {}
-    int64_t NowUtcSeconds() override { return 315626635; }
-
-  private:
-    qzr::platform::ScopedEnvOverride m_use;
 };
 
 // Reads every machine of the catalogue as both kinds and every text of it, so that a record

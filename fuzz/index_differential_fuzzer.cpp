@@ -22,7 +22,8 @@
 #include "bank/sectioned/QZRFileIO.h"
 #include "bank/sectioned/SectionedBankIndex.h"
 #include "bank/sectioned/SectionedLine.h"
-#include "platform/EnvWrapper.h"
+#include "support/EnvWrapper.h"
+#include "support/ScopedEnvOverride.h"
 
 using qzr::bank::CQZRFileIO;
 

@@ -28,6 +28,7 @@
 #include <QZRMachine/QZRMoldingMachineIO.h>
 
 #include "FuzzSupport.h"
+#include "support/FixedClock.h"
 
 namespace {
 
@@ -195,7 +196,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     folder.Clear();
     const std::string input = folder.Write("Input/bank.bnk", data + 1, size - 1);
     folder.Write("Bank/.keep", data, 0);
-    const qzr::fuzz::FixedClock clock;
+    const qzr::test::FixedClock clock;
 
     CQZRMoldingMachineCtrl first;
     Load(kind, input, &first);

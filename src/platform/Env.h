@@ -1,6 +1,6 @@
 // The one seam between the library and the operating system. Every file the library opens,
-// copies, renames or lists goes through the current Env, so tests can replace it (see
-// ScopedEnvOverride) to inject a failing open, write, copy or rename.
+// copies, renames or lists, and its clock, go through CurrentEnv(), so that a test build can put
+// another Env in its place to inject a failing open, write, copy or rename.
 //
 // Paths are the library's 8-bit texts with the backslash as separator; an Env maps them to
 // the OS's form (on POSIX every backslash becomes '/'). Names are found as Windows finds them:
@@ -76,20 +76,9 @@ class Env {
     virtual int64_t NowUtcSeconds() = 0;
 };
 
-// The Env the library uses: Env::Default() unless a test installed another.
+// The Env the library uses: Env::Default() in the library and its tools. Defined apart from the
+// platform objects (CurrentEnv.cpp), so that test builds can link a definition of their own.
 Env* CurrentEnv();
-
-// Installs an Env for the lifetime of this object (tests only; not thread-safe).
-class ScopedEnvOverride {
-  public:
-    explicit ScopedEnvOverride(Env* env);
-    ~ScopedEnvOverride();
-    ScopedEnvOverride(const ScopedEnvOverride&) = delete;
-    ScopedEnvOverride& operator=(const ScopedEnvOverride&) = delete;
-
-  private:
-    Env* m_previous;
-};
 
 }  // namespace qzr::platform
 

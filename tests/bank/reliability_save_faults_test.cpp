@@ -19,10 +19,11 @@
 
 #include "BankBuilders.h"
 #include "DefaultBanks.h"
+#include "EnvWrapper.h"
 #include "FixedClock.h"
 #include "HeldOpen.h"
+#include "ScopedEnvOverride.h"
 #include "TempFolder.h"
-#include "platform/EnvWrapper.h"
 
 namespace {
 

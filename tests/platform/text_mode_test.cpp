@@ -9,8 +9,9 @@
 #include <utility>
 #include <vector>
 
+#include "EnvWrapper.h"
+#include "ScopedEnvOverride.h"
 #include "TempFolder.h"
-#include "platform/EnvWrapper.h"
 #include "platform/TextLineReader.h"
 #include "platform/TextModeTranslator.h"
 #include "platform/TextWriter.h"

@@ -5,7 +5,8 @@
 
 #include <cstdint>
 
-#include "platform/EnvWrapper.h"
+#include "EnvWrapper.h"
+#include "ScopedEnvOverride.h"
 
 namespace qzr::test {
 

@@ -1,4 +1,4 @@
-#include "platform/Env.h"
+#include "ScopedEnvOverride.h"
 
 namespace qzr::platform {
 

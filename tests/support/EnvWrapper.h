@@ -1,7 +1,7 @@
 // An Env that forwards every call to another; a test derives from it and overrides the one
 // call it wants to fail.
-#ifndef QZR_TESTS_PLATFORM_ENVWRAPPER_H
-#define QZR_TESTS_PLATFORM_ENVWRAPPER_H
+#ifndef QZR_TESTS_SUPPORT_ENVWRAPPER_H
+#define QZR_TESTS_SUPPORT_ENVWRAPPER_H
 
 #include "platform/Env.h"
 
@@ -41,4 +41,4 @@ class EnvWrapper : public Env {
 
 }  // namespace qzr::platform
 
-#endif  // QZR_TESTS_PLATFORM_ENVWRAPPER_H
+#endif  // QZR_TESTS_SUPPORT_ENVWRAPPER_H
