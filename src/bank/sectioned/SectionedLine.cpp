@@ -31,13 +31,6 @@ std::string_view ValueAfterEquals(const char* value, const char* end) {
 
 }  // namespace
 
-std::string_view SectionedLineText(std::string_view piece) {
-    const void* nul = std::memchr(piece.data(), '\0', piece.size());
-    return nul == nullptr
-               ? piece
-               : piece.substr(0, static_cast<size_t>(static_cast<const char*>(nul) - piece.data()));
-}
-
 // Tokens are short, so a byte loop over the table beats searching the line for each of the
 // ending characters in turn.
 std::string_view SectionedLineToken(std::string_view piece) {

@@ -13,9 +13,6 @@ namespace qzr::bank {
 // read buffer with its terminator); the rest of a longer line is read as the following lines.
 constexpr size_t kSectionedLineChars = 511;
 
-// The line as the C string it is read into: everything from an embedded NUL on is invisible.
-std::string_view SectionedLineText(std::string_view piece);
-
 // The characters that end a line token: space, tab, "=", LF, and the NUL that ends the C
 // string the line was read into.
 constexpr bool EndsSectionedLineToken(char c) {
