@@ -10,7 +10,9 @@
 
 class QZRMACHINE_API CQZRMoldingMachine {
   public:
+    // A bare record: empty texts, controller id 0, maker, machine and grade ids -1, kind -1.
     CQZRMoldingMachine();
+    // Copy and assignment take every attribute, the ids and the machine kind included.
     CQZRMoldingMachine(const CQZRMoldingMachine& other);
     CQZRMoldingMachine& operator=(const CQZRMoldingMachine& other);
 
@@ -46,6 +48,7 @@ class QZRMACHINE_API CQZRMoldingMachine {
     int GetMachineType() const;
 
   protected:
+    // Set by the derived records' constructors: 0 for CQZRIM, 1 for CQZRRTM.
     void SetMachineType(int machineType);
     // The library's name rule: both present and equal after lower-casing under the current
     // C locale (same length, same bytes).

@@ -130,6 +130,8 @@ class QZRMACHINE_API CQZRMoldingMachineCtrl {
     friend class qzr::catalogue::CQZRMoldingMachineCtrlAccess;  // the library's own bank code and
                                                                 // tests
 
+    // Makes an empty store if there is none; true when one exists afterwards. Kept for the
+    // DLL's interface; the library's own operations never call it.
     bool Initialize();
 
     QZRMACHINE_PRIVATE_MEMBERS_BEGIN

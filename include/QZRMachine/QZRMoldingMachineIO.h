@@ -22,6 +22,7 @@ class CQZRMoldingMachineWriter;
 
 class QZRMACHINE_API CQZRMoldingMachineIO {
   public:
+    // A front without reader and writer; each is made by the first load or save that needs it.
     CQZRMoldingMachineIO();
     // A copy starts without reader and writer of its own; they are made on first use.
     CQZRMoldingMachineIO(const CQZRMoldingMachineIO& other);

@@ -16,25 +16,36 @@ class QZRMACHINE_API CQZRRTM : public CQZRMoldingMachine {
     CQZRRTM& operator=(const CQZRRTM& other);
     ~CQZRRTM() override;
 
-    // The press's data: plain Get/Set pairs stored as given (no range checks); clamping force
-    // ton, shot weight g, plunger diameter and stroke mm where banks give units.
+    // The press's data: plain Get/Set pairs stored as given (no range checks, no unit
+    // conversion). Only the sectioned transfer-moulding bank carries them, and it states no
+    // units. ShotWeight, ShotVolume and ClampingForce are this record's own, unrelated to the
+    // attributes of the same names of CQZRIM.
 
+    // Transfer pressure.
     double GetTransferPressure() const;
     void SetTransferPressure(double value);
+    // Stroke of the transfer plunger.
     double GetPlungerStroke() const;
     void SetPlungerStroke(double value);
+    // Diameter of the transfer plunger.
     double GetPlungerDiameter() const;
     void SetPlungerDiameter(double value);
+    // Speed of the transfer plunger.
     double GetPlungerSpeed() const;
     void SetPlungerSpeed(double value);
+    // Transfer rate.
     double GetTransferRate() const;
     void SetTransferRate(double value);
+    // Transfer force.
     double GetTransferForce() const;
     void SetTransferForce(double value);
+    // Shot weight.
     double GetShotWeight() const;
     void SetShotWeight(double value);
+    // Shot volume.
     double GetShotVolume() const;
     void SetShotVolume(double value);
+    // Clamping force.
     double GetClampingForce() const;
     void SetClampingForce(double value);
 
