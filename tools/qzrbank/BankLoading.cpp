@@ -2,10 +2,13 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <functional>
 #include <system_error>
+#include <utility>
 
 #include "BankFiles.h"
 #include "bank/BankKind.h"
+#include "bank/LoadObserver.h"
 #include "platform/ExecutablePath.h"
 #include "platform/Wildcard.h"
 
@@ -23,7 +26,6 @@ namespace fs = std::filesystem;
 namespace {
 
 struct FolderSource {
-    const char* label;  // as the list shows it
     // Below the Bank folder, as the library's default paths write it; its names are found as
     // the library finds them (FindTail).
     const char* tail;
@@ -32,15 +34,15 @@ struct FolderSource {
 };
 
 const FolderSource kIMMSources[] = {
-    {"Machine/IMM", "Machine\\IMM\\*.bnk", BankLoad::IMMSystemFolder, true},
-    {"User-IMM.bnk", "User-IMM.bnk", BankLoad::IMMUser, false},
-    {"system-pro.bnk", "system-pro.bnk", BankLoad::OldIMMSystem, false},
-    {"user-pro.bnk", "user-pro.bnk", BankLoad::OldIMMUser, false},
+    {"Machine\\IMM\\*.bnk", BankLoad::IMMSystemFolder, true},
+    {"User-IMM.bnk", BankLoad::IMMUser, false},
+    {"system-pro.bnk", BankLoad::OldIMMSystem, false},
+    {"user-pro.bnk", BankLoad::OldIMMUser, false},
 };
 
 const FolderSource kRTMSources[] = {
-    {"Machine/RTM", "Machine\\RTM\\*.bnk", BankLoad::RTMSystemFolder, true},
-    {"User-RTMIC.bnk", "User-RTMIC.bnk", BankLoad::RTMUser, false},
+    {"Machine\\RTM\\*.bnk", BankLoad::RTMSystemFolder, true},
+    {"User-RTMIC.bnk", BankLoad::RTMUser, false},
 };
 
 bool IsFolder(const std::string& path) {
@@ -123,7 +125,7 @@ void LoadSources(const std::string& bankFolder, const FolderSource* begin, const
         if (path.empty() || (source->isPattern && !IsFolder(PatternFolder(path)))) {
             continue;
         }
-        catalogue->Load(source->load, path, source->label);
+        catalogue->Load(source->load, path);
     }
 }
 
@@ -208,19 +210,69 @@ bool LoadWatched(BankLoad load, const std::string& path, CQZRMoldingMachineCtrl*
     return loaded;
 }
 
-bool SourcedCatalogue::Load(BankLoad load, const std::string& path, const std::string& label) {
-    const bool loaded = LoadBank(load, path, &m_catalogue);
+namespace {
+
+// Passes every event of a load on to the observer installed before it, and tells the end of
+// each file (its machine count) to a SourcedCatalogue as well.
+class FileEnds : public qzr::bank::LoadObserver {
+  public:
+    explicit FileEnds(std::function<void(std::string_view)> fileEnded)
+        : m_fileEnded(std::move(fileEnded)) {}
+
+    void OnHeader(const qzr::bank::HeaderSeen& seen) override {
+        Pass(&LoadObserver::OnHeader, seen);
+    }
+    void OnLegacyLine(const qzr::bank::LegacyLineSeen& seen) override {
+        Pass(&LoadObserver::OnLegacyLine, seen);
+    }
+    void OnSection(const qzr::bank::SectionSeen& seen) override {
+        Pass(&LoadObserver::OnSection, seen);
+    }
+    void OnKeyFromLaterSection(const qzr::bank::KeyFromLaterSection& seen) override {
+        Pass(&LoadObserver::OnKeyFromLaterSection, seen);
+    }
+    void OnLineCut(const qzr::bank::LineCut& seen) override {
+        Pass(&LoadObserver::OnLineCut, seen);
+    }
+    void OnMachineCount(const qzr::bank::MachineCount& seen) override {
+        Pass(&LoadObserver::OnMachineCount, seen);
+        m_fileEnded(seen.path);
+    }
+    void OnFieldNotConverted(const qzr::bank::FieldNotConverted& seen) override {
+        Pass(&LoadObserver::OnFieldNotConverted, seen);
+    }
+
+  private:
+    template <class Event>
+    void Pass(void (LoadObserver::*on)(const Event&), const Event& seen) {
+        if (m_next != nullptr) {
+            (m_next->*on)(seen);
+        }
+    }
+
+    qzr::bank::LoadObserver* const m_next = qzr::bank::CurrentLoadObserver();
+    std::function<void(std::string_view)> m_fileEnded;
+};
+
+}  // namespace
+
+bool SourcedCatalogue::Load(BankLoad load, const std::string& path) {
+    FileEnds ends([this](std::string_view file) { FileEnded(file); });
+    const qzr::bank::ScopedLoadObserver watch(&ends);
+    return LoadBank(load, path, &m_catalogue);
+}
+
+void SourcedCatalogue::FileEnded(std::string_view path) {
     const int highest = HighestMachineId();
     if (m_sources.empty() || highest > m_sources.back().lastMachineId) {
-        m_sources.push_back({highest, label});
+        m_sources.push_back({highest, std::string(path.substr(path.find_last_of("/\\") + 1))});
     }
-    return loaded;
 }
 
 std::string SourcedCatalogue::SourceOf(int machineId) const {
     for (const Source& source : m_sources) {
         if (machineId <= source.lastMachineId) {
-            return source.label;
+            return source.file;
         }
     }
     return {};
@@ -228,13 +280,13 @@ std::string SourcedCatalogue::SourceOf(int machineId) const {
 
 int SourcedCatalogue::HighestMachineId() const {
     int highest = 0;
-    if (m_rtm) {
-        for (const CQZRRTM& machine : RTMMachines(m_catalogue)) {
-            highest = std::max(highest, machine.GetMachineID());
-        }
-    } else {
-        for (const CQZRIM& machine : IMMMachines(m_catalogue)) {
-            highest = std::max(highest, machine.GetMachineID());
+    const int total = m_catalogue.GetTotalMachine();
+    CQZRIM imm;
+    CQZRRTM rtm;
+    for (int index = 0; index < total; ++index) {
+        if (m_rtm ? m_catalogue.GetCurrentMachine(index, rtm)
+                  : m_catalogue.GetCurrentMachine(index, imm)) {
+            highest = std::max(highest, m_rtm ? rtm.GetMachineID() : imm.GetMachineID());
         }
     }
     return highest;

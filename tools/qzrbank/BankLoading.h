@@ -4,6 +4,7 @@
 #define QZRBANK_BANKLOADING_H
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <QZRMachine/QZRMoldingMachineCtrl.h>
@@ -37,9 +38,10 @@ bool LoadBank(BankLoad load, const std::string& path, CQZRMoldingMachineCtrl* ca
 bool LoadWatched(BankLoad load, const std::string& path, CQZRMoldingMachineCtrl* catalogue,
                  std::vector<Finding>* skipped);
 
-// A catalogue of machines of one kind, and the load each machine came from. The catalogue
-// issues machine ids in ascending order while it only grows, so the ids a load issued tell
-// its machines apart from those of the loads before it.
+// A catalogue of machines of one kind, and the bank file each machine came from. The loader
+// tells the end of each file it reads (its machine count) to the load observer; the catalogue
+// issues machine ids in ascending order while it only grows, so the highest id at that moment
+// bounds that file's machines.
 class SourcedCatalogue {
   public:
     explicit SourcedCatalogue(bool rtm) : m_rtm(rtm) {}
@@ -47,16 +49,19 @@ class SourcedCatalogue {
     const CQZRMoldingMachineCtrl& Catalogue() const { return m_catalogue; }
     CQZRMoldingMachineCtrl& Catalogue() { return m_catalogue; }
 
-    bool Load(BankLoad load, const std::string& path, const std::string& label);
-    // The label of the load that added the machine; empty when unknown.
+    // LoadBank into this catalogue; the observer installed on this thread, if any, hears the
+    // load as well.
+    bool Load(BankLoad load, const std::string& path);
+    // The name (without folders) of the bank file that gave the machine; empty when unknown.
     std::string SourceOf(int machineId) const;
 
   private:
+    void FileEnded(std::string_view path);
     int HighestMachineId() const;
 
     struct Source {
         int lastMachineId;
-        std::string label;
+        std::string file;
     };
     bool m_rtm;
     CQZRMoldingMachineCtrl m_catalogue;

@@ -147,7 +147,7 @@ bool LoadBankTarget(const std::string& bank, LoadedFolder* loaded, std::ostream&
         return false;
     }
     SourcedCatalogue& catalogue = IsRTMLoad(load) ? loaded->rtm : loaded->imm;
-    if (!catalogue.Load(load, bank, bank)) {
+    if (!catalogue.Load(load, bank)) {
         err << "qzrbank: " << bank << ": refused by its loader (run 'qzrbank check' on it)\n";
         return false;
     }

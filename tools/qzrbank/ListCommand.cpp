@@ -273,61 +273,6 @@ void SortMachines(const std::vector<ListColumn>& keys, std::vector<ListedMachine
                      });
 }
 
-// Tells which bank file each machine of a folder load came from: the catalogue issues machine
-// ids in ascending order, so the highest id once a file is read bounds that file's machines.
-class BankFileWatcher : public LoadWatcher {
-  public:
-    explicit BankFileWatcher(const LoadedFolder& loaded) : m_loaded(loaded) {}
-
-    void OnHeader(const qzr::bank::HeaderSeen& seen) override {
-        LoadWatcher::OnHeader(seen);
-        if (seen.accepted) {
-            m_kind = seen.bankKind == qzr::bank::RTMSystemBankFiles ||
-                             seen.bankKind == qzr::bank::RTMUserBank
-                         ? kRTM
-                         : kIMM;
-        }
-    }
-    void OnMachineCount(const qzr::bank::MachineCount& seen) override {
-        LoadWatcher::OnMachineCount(seen);
-        const std::string path(seen.path);
-        m_files[m_kind].push_back(
-            {HighestMachineId(m_kind), path.substr(path.find_last_of("/\\") + 1)});
-    }
-    // The name of the file that gave the machine; empty when unknown.
-    std::string FileOf(size_t kind, int machineId) const {
-        for (const File& file : m_files[kind]) {
-            if (machineId <= file.lastMachineId) {
-                return file.name;
-            }
-        }
-        return {};
-    }
-
-  private:
-    struct File {
-        int lastMachineId;
-        std::string name;
-    };
-    int HighestMachineId(size_t kind) const {
-        int highest = 0;
-        if (kind == kRTM) {
-            for (const CQZRRTM& machine : RTMMachines(m_loaded.rtm.Catalogue())) {
-                highest = std::max(highest, machine.GetMachineID());
-            }
-        } else {
-            for (const CQZRIM& machine : IMMMachines(m_loaded.imm.Catalogue())) {
-                highest = std::max(highest, machine.GetMachineID());
-            }
-        }
-        return highest;
-    }
-
-    const LoadedFolder& m_loaded;
-    size_t m_kind = kIMM;
-    std::vector<File> m_files[2];
-};
-
 std::vector<CQZRIM> AllMachines(const CQZRMoldingMachineCtrl& catalogue, const CQZRIM&) {
     return IMMMachines(catalogue);
 }
@@ -339,10 +284,10 @@ std::vector<CQZRRTM> AllMachines(const CQZRMoldingMachineCtrl& catalogue, const 
 // each under the maker's name as the catalogue files it; false, with a message, at a text the
 // code page lacks.
 template <class Record>
-bool CollectMachines(const CQZRMoldingMachineCtrl& catalogue, size_t kind,
-                     const ListOptions& options, const TextEncoding& encoding,
-                     const BankFileWatcher& files, std::vector<ListedMachine>* machines,
+bool CollectMachines(const SourcedCatalogue& sourced, size_t kind, const ListOptions& options,
+                     const TextEncoding& encoding, std::vector<ListedMachine>* machines,
                      std::string* error) {
+    const CQZRMoldingMachineCtrl& catalogue = sourced.Catalogue();
     std::vector<Record> records;
     if (options.maker) {
         const int count = catalogue.GetMachineCount(options.maker->c_str());
@@ -361,7 +306,7 @@ bool CollectMachines(const CQZRMoldingMachineCtrl& catalogue, size_t kind,
         }
         ListedMachine machine;
         machine.kind = kind;
-        machine.bank = files.FileOf(kind, record.GetMachineID());
+        machine.bank = sourced.SourceOf(record.GetMachineID());
         machine.attributes = DescribeMachine(record);
         if (!DecodeTexts(encoding, DisplayName(record), &machine.attributes, error)) {
             return false;
@@ -604,14 +549,12 @@ int RunList(const ListOptions& options, std::ostream& out, std::ostream& err) {
         return kExitError;
     }
     LoadedFolder loaded;
-    BankFileWatcher watcher(loaded);
+    LoadWatcher watcher;
     LoadBankFolder(folder, options.kind != "rtm", options.kind != "imm", &loaded, &watcher);
     PrintLoadWarnings(watcher, err);
     std::vector<ListedMachine> machines;
-    if (!CollectMachines<CQZRIM>(loaded.imm.Catalogue(), kIMM, options, *encoding, watcher,
-                                 &machines, &error) ||
-        !CollectMachines<CQZRRTM>(loaded.rtm.Catalogue(), kRTM, options, *encoding, watcher,
-                                  &machines, &error)) {
+    if (!CollectMachines<CQZRIM>(loaded.imm, kIMM, options, *encoding, &machines, &error) ||
+        !CollectMachines<CQZRRTM>(loaded.rtm, kRTM, options, *encoding, &machines, &error)) {
         err << "qzrbank: " << folder.path << ": " << error << '\n';
         return kExitError;
     }
