@@ -46,6 +46,18 @@ if(EMULATOR)
     set(ENV{QZR_WINE_BUILD_DIR} ${BUILD_DIR})
 endif()
 
+# An installed qzrbank shows the example banks installed beside it, not those of the source tree:
+# a maker it lacks is reported with the folder it looked in.
+if(EXISTS ${BUILD_DIR}/tools/qzrbank${EXE_SUFFIX})
+    execute_process(COMMAND ${EMULATOR} ${prefix}/bin/qzrbank${EXE_SUFFIX} list --maker Nobody
+        RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
+    string(REPLACE "\\" "/" output "${output}")
+    if(NOT result EQUAL 1 OR NOT output MATCHES " in [^\n]*/share/qzrmachine/examples/Bank\r?\n$")
+        message(FATAL_ERROR "The installed qzrbank looks elsewhere for its examples (${result}):\n"
+            "${output}")
+    endif()
+endif()
+
 set(configure_args -S ${SOURCE_DIR}/examples/host -B ${host_build} -G ${GENERATOR}
     -DCMAKE_CXX_COMPILER=${CXX_COMPILER}
     -DCMAKE_PREFIX_PATH=${prefix}
