@@ -1,5 +1,6 @@
-// The write's refusals that no command line reaches: a catalogue larger than a sectioned load
-// reads back, and a target that is a folder. Either writes nothing.
+// The write's refusals, called directly rather than through a command (a bank of 65,536 rows
+// would make a slow transcript): a catalogue larger than a sectioned load reads back, and a
+// target that is a folder. Either writes nothing.
 #include <gtest/gtest.h>
 
 #include <QZRMachine/QZRMachine.h>
