@@ -159,6 +159,10 @@ TEST(SaveFaults, EveryFailingOperationKeepsThePreviousBank) {
             const std::vector<std::string> operations = counting.operations();
             ASSERT_GT(std::count(operations.begin(), operations.end(), "write"), 1)
                 << writer.label << ": the body should take several writes";
+            // A crash after the rename must find the new bank on the medium.
+            const auto sync = std::find(operations.begin(), operations.end(), "sync");
+            EXPECT_LT(sync, std::find(operations.begin(), operations.end(), "rename"))
+                << writer.label << ": the new bank is synced before it replaces the target";
 
             for (size_t k = 1; k <= operations.size(); ++k) {
                 SCOPED_TRACE(std::string(writer.label) +

@@ -20,6 +20,10 @@ TEST(Write, RefusalsWriteNothing) {
     qzrbank::PrepareForFormat(qzrbank::BankFormat::kSectionedIMM, &empty);
     CQZRMoldingMachineCtrl huge(empty);
     for (int i = 0; i <= qzrbank::kMostSectionedMachines; ++i) {
+        if (i == qzrbank::kMostSectionedMachines) {
+            EXPECT_EQ(qzrbank::WriteRefusal(huge, {}, folder.File("full.bnk")), "")
+                << "a full sectioned bank is written";
+        }
         CQZRIM machine;
         machine.SetMaker("Hollin");
         machine.SetGrade(("H-" + std::to_string(i)).c_str());

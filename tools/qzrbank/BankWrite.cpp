@@ -59,9 +59,10 @@ bool Exists(const fs::path& path) {
     return fs::exists(fs::symlink_status(path, error));
 }
 
-// Why OUT may not be written; empty when it may.
-std::string Refusal(const CQZRMoldingMachineCtrl& catalogue, const WriteOptions& options,
-                    const fs::path& target) {
+}  // namespace
+
+std::string WriteRefusal(const CQZRMoldingMachineCtrl& catalogue, const WriteOptions& options,
+                         const fs::path& target) {
     if (options.format != BankFormat::kLegacy &&
         catalogue.GetTotalMachine() > kMostSectionedMachines) {
         return std::to_string(catalogue.GetTotalMachine()) +
@@ -84,6 +85,8 @@ std::string Refusal(const CQZRMoldingMachineCtrl& catalogue, const WriteOptions&
     }
     return {};
 }
+
+namespace {
 
 // What in one text of a machine keeps it from reading back from a bank of the format.
 void AddTextHazards(BankFormat format, const char* attribute, const std::string& value, bool isName,
@@ -338,7 +341,7 @@ bool LoadUserBank(const std::string& path, CQZRMoldingMachineCtrl* catalogue, Wr
 int WriteBank(const CQZRMoldingMachineCtrl& catalogue, const WriteOptions& options,
               std::ostream& out, std::ostream& err) {
     const fs::path target(NativePath(options.output));
-    const std::string refusal = Refusal(catalogue, options, target);
+    const std::string refusal = WriteRefusal(catalogue, options, target);
     if (!refusal.empty()) {
         err << "qzrbank: " << options.output << ": " << refusal << '\n';
         return kExitError;

@@ -6,6 +6,7 @@
 #ifndef QZRBANK_BANKWRITE_H
 #define QZRBANK_BANKWRITE_H
 
+#include <filesystem>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -14,11 +15,13 @@
 
 #include "Finding.h"
 #include "MachineComparison.h"
+#include "bank/sectioned/SectionedBankIndex.h"
 
 namespace qzrbank {
 
 // More machine sections than this no loader reads back.
-constexpr int kMostSectionedMachines = 65535;
+constexpr int kMostSectionedMachines =
+    static_cast<int>(qzr::bank::SectionedBankIndex::kMaxMachineSection);
 
 struct WriteOptions {
     std::string output;
@@ -32,6 +35,12 @@ struct WriteOptions {
 
 // Gives the catalogue the file attributes the format's writer takes (version, format, type).
 void PrepareForFormat(BankFormat format, CQZRMoldingMachineCtrl* catalogue);
+
+// Why the catalogue may not be written to target as options ask; empty when it may: more
+// machines than a sectioned load reads back, a folder, or an existing target or target.bak
+// without options.force.
+std::string WriteRefusal(const CQZRMoldingMachineCtrl& catalogue, const WriteOptions& options,
+                         const std::filesystem::path& target);
 
 // Writes the catalogue as a bank of the format to options.output and reports on out what did
 // not read back intact, machine by machine. Returns kExitOk (written, nothing lost, or the loss
