@@ -278,14 +278,17 @@ std::string SourcedCatalogue::SourceOf(int machineId) const {
     return {};
 }
 
+// A group keeps its machines in the order they were added, so its last machine holds its
+// highest id: one record per maker, not per machine, however many files a folder holds.
 int SourcedCatalogue::HighestMachineId() const {
     int highest = 0;
-    const int total = m_catalogue.GetTotalMachine();
     CQZRIM imm;
     CQZRRTM rtm;
-    for (int index = 0; index < total; ++index) {
-        if (m_rtm ? m_catalogue.GetCurrentMachine(index, rtm)
-                  : m_catalogue.GetCurrentMachine(index, imm)) {
+    for (int position = 0; position < m_catalogue.GetTotalMaker(); ++position) {
+        const int maker = m_catalogue.GetMakerID(position);
+        const int last = m_catalogue.GetMachineCount(maker) - 1;
+        if (m_rtm ? m_catalogue.GetCurrentMakerMachine(maker, last, rtm)
+                  : m_catalogue.GetCurrentMakerMachine(maker, last, imm)) {
             highest = std::max(highest, m_rtm ? rtm.GetMachineID() : imm.GetMachineID());
         }
     }

@@ -8,6 +8,7 @@
 #include "BankFiles.h"
 #include "BankLoading.h"
 #include "Commands.h"
+#include "FileInfo.h"
 #include "TemporaryFolder.h"
 #include "bank/BankKind.h"
 #include "bank/legacy/LegacyMarkers.h"
@@ -332,6 +333,17 @@ bool LoadUserBank(const std::string& path, CQZRMoldingMachineCtrl* catalogue, Wr
     if (!LoadWatched(load, path, catalogue, &write->skippedOnLoad)) {
         err << "qzrbank: " << path << ": refused by its loader (run 'qzrbank check' on it)\n";
         return false;
+    }
+    // A sectioned bank written back keeps who made it and its remark (the save stamps a new
+    // CreateDate); a load gives the catalogue neither.
+    if (write->format != BankFormat::kLegacy) {
+        for (const auto& [key, value] : SectionedHeaderTexts(path)) {
+            if (key == "CreateBy") {
+                catalogue->SetFileCreateBy(value.c_str());
+            } else if (key == "Remark") {
+                catalogue->SetFileRemark(value.c_str());
+            }
+        }
     }
     write->output = path;
     write->force = true;

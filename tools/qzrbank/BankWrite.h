@@ -51,8 +51,8 @@ int WriteBank(const CQZRMoldingMachineCtrl& catalogue, const WriteOptions& optio
               std::ostream& out, std::ostream& err);
 
 // Loads a user bank file to be written back in place: write gets its path, format and what the
-// load skipped, and force. False, with one line on err, for a file that cannot be read or is
-// no user bank its loader accepts.
+// load skipped, and force; a sectioned bank's CreateBy and Remark go to the catalogue. False, with
+// one line on err, for a file that cannot be read or is no user bank its loader accepts.
 bool LoadUserBank(const std::string& path, CQZRMoldingMachineCtrl* catalogue, WriteOptions* write,
                   std::ostream& err);
 

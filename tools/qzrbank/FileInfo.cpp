@@ -12,20 +12,22 @@ namespace {
 
 constexpr int kFirstSectionedVersion = 9000;
 
-void AddFileHeaderTexts(const std::string& path, FileInfo* info) {
+}  // namespace
+
+std::vector<std::pair<std::string, std::string>> SectionedHeaderTexts(const std::string& path) {
+    std::vector<std::pair<std::string, std::string>> texts;
     qzr::bank::CQZRFileIO file;
     if (!file.OpenFile(path.c_str())) {
-        return;
+        return texts;
     }
     for (const char* key : {"CreateDate", "CreateBy", "Remark"}) {
         const char* value = nullptr;
         if (file.GetKeyString("[FileHeader]", key, &value) == qzr::bank::CQZRFileIO::kFound) {
-            info->headerTexts.emplace_back(key, value);
+            texts.emplace_back(key, value);
         }
     }
+    return texts;
 }
-
-}  // namespace
 
 FileInfo ReadFileInfo(const std::string& path) {
     FileInfo info;
@@ -47,7 +49,7 @@ FileInfo ReadFileInfo(const std::string& path) {
     info.machines = catalogue.GetTotalMachine();
     const bool sectioned = info.header.version >= kFirstSectionedVersion;
     if (sectioned) {
-        AddFileHeaderTexts(path, &info);
+        info.headerTexts = SectionedHeaderTexts(path);
     }
     for (const WatchedFile& file : watcher.Files()) {
         if (file.hasDeclared) {

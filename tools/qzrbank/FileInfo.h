@@ -24,6 +24,10 @@ struct FileInfo {
 
 FileInfo ReadFileInfo(const std::string& path);
 
+// The texts "CreateDate", "CreateBy" and "Remark" of a sectioned bank's "[FileHeader]", each
+// that its key lookup finds, in that order.
+std::vector<std::pair<std::string, std::string>> SectionedHeaderTexts(const std::string& path);
+
 }  // namespace qzrbank
 
 #endif  // QZRBANK_FILEINFO_H
