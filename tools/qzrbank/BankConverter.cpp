@@ -10,6 +10,7 @@
 #include "BankLoading.h"
 #include "BankWrite.h"
 #include "Commands.h"
+#include "FileInfo.h"
 #include "bank/BankKind.h"
 
 namespace qzrbank {
@@ -33,6 +34,17 @@ bool ChooseTarget(int kind, BankFormat* target) {
 bool SameFile(const std::string& a, const std::string& b) {
     std::error_code error;
     return fs::equivalent(fs::path(NativePath(a)), fs::path(NativePath(b)), error);
+}
+
+// A legacy bank has no header texts: those of the sectioned input that are left behind.
+std::string HeaderTextsLost(const std::string& input) {
+    std::string lost;
+    for (const auto& [key, value] : SectionedHeaderTexts(input)) {
+        if (key != "CreateDate" && !value.empty()) {
+            lost += (lost.empty() ? "" : ", ") + key + " " + Quoted(value);
+        }
+    }
+    return lost;
 }
 
 }  // namespace
@@ -66,6 +78,9 @@ int RunConvert(const ConvertOptions& options, std::ostream& out, std::ostream& e
     if (!LoadWatched(load, input, &catalogue, &write.skippedOnLoad)) {
         err << "qzrbank: " << input << ": refused by its loader (run 'qzrbank check' on it)\n";
         return kExitError;
+    }
+    if (write.format == BankFormat::kLegacy) {
+        write.headerTextsLost = HeaderTextsLost(input);
     }
     PrepareForFormat(write.format, &catalogue);
     catalogue.SetFileCreateBy("qzrbank convert");

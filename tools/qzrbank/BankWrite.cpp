@@ -388,6 +388,10 @@ int WriteBank(const CQZRMoldingMachineCtrl& catalogue, const WriteOptions& optio
     if (!notCarried.empty() && LosesUncarried(differences)) {
         out << "not carried by a " << FormatName(format) << ", so lost: " << notCarried << '\n';
     }
+    if (!options.headerTextsLost.empty()) {
+        out << "not carried by a " << FormatName(format) << ", so lost: the header's "
+            << options.headerTextsLost << '\n';
+    }
     Losses losses = ReportLosses(format, before, differences, out);
     losses.notRead = ReportSkipped(options.skippedOnLoad, out);
     if (losses.Any() && !options.allowLoss) {

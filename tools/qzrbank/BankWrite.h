@@ -31,6 +31,10 @@ struct WriteOptions {
     bool dryRun = false;     // everything but replacing OUT
     // What the loads that filled the catalogue passed over: reported as lost too.
     std::vector<Finding> skippedOnLoad;
+    // The input's header texts the format has no place for ("CreateBy \"...\""), reported
+    // beside the attributes it does not carry; being about the file, not its machines, they
+    // need no --allow-loss.
+    std::string headerTextsLost;
 };
 
 // Gives the catalogue the file attributes the format's writer takes (version, format, type).
