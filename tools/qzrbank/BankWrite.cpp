@@ -224,7 +224,8 @@ std::string Summary(const Losses& losses, BankFormat format) {
 }
 
 // Reports what did not read back, machine by machine.
-Losses ReportLosses(BankFormat format, const std::vector<ComparedMachine>& written,
+Losses ReportLosses(BankFormat format, const TextEncoding& encoding,
+                    const std::vector<ComparedMachine>& written,
                     const std::vector<MachineDifference>& differences, std::ostream& out) {
     Losses losses;
     losses.written = written.size();
@@ -252,7 +253,10 @@ Losses ReportLosses(BankFormat format, const std::vector<ComparedMachine>& writt
     if (!differences.empty()) {
         for (const ComparedMachine& machine : written) {
             for (const std::string& hazard : Hazards(format, machine)) {
-                out << "  " << machine.maker << " - " << machine.grade << ": " << hazard << '\n';
+                out << "  "
+                    << encoding.DecodeOrEscape(machine.maker + " - " + machine.grade + ": " +
+                                               hazard)
+                    << '\n';
             }
         }
     }
@@ -379,9 +383,10 @@ int WriteBank(const CQZRMoldingMachineCtrl& catalogue, const WriteOptions& optio
 
     const std::vector<ComparedMachine> before = MachinesToCompare(catalogue);
     const BankFormat format = options.format;
-    const std::vector<MachineDifference> differences = CompareMachines(
+    std::vector<MachineDifference> differences = CompareMachines(
         before, MachinesToCompare(readBack), [](const Attribute&) { return true; },
         [format](const Attribute& attribute) { return CarriedBy(attribute, format); });
+    DecodeDifferences(options.encoding, &differences);
     out << Machines(before.size()) << " for " << options.output << " (" << FormatName(format)
         << ")\n";
     const std::string notCarried = NotCarried(format);
@@ -392,7 +397,7 @@ int WriteBank(const CQZRMoldingMachineCtrl& catalogue, const WriteOptions& optio
         out << "not carried by a " << FormatName(format) << ", so lost: the header's "
             << options.headerTextsLost << '\n';
     }
-    Losses losses = ReportLosses(format, before, differences, out);
+    Losses losses = ReportLosses(format, options.encoding, before, differences, out);
     losses.notRead = ReportSkipped(options.skippedOnLoad, out);
     if (losses.Any() && !options.allowLoss) {
         err << "qzrbank: " << options.output << ": not written: " << Summary(losses, format)

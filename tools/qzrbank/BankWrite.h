@@ -15,6 +15,7 @@
 
 #include "Finding.h"
 #include "MachineComparison.h"
+#include "TextEncoding.h"
 #include "bank/sectioned/SectionedBankIndex.h"
 
 namespace qzrbank {
@@ -35,6 +36,8 @@ struct WriteOptions {
     // beside the attributes it does not carry; being about the file, not its machines, they
     // need no --allow-loss.
     std::string headerTextsLost;
+    // The code page of the bank's texts, in which the report shows them as UTF-8.
+    TextEncoding encoding = TextEncoding(TextEncoding::CodePage::Cp1252);
 };
 
 // Gives the catalogue the file attributes the format's writer takes (version, format, type).

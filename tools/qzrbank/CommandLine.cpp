@@ -189,6 +189,7 @@ Command AddEdit(CLI::App& app, EditOptions& edit, const char* name, const char* 
     command->add_option("MAKER", edit.maker, "the maker")->required();
     command->add_option("GRADE", edit.grade, "the grade")->required();
     AddWriteFlags(command, nullptr, &edit.allowLoss);
+    AddEncodingOption(command, &edit.encoding);
     return Calling(command, run, edit);
 }
 
@@ -197,7 +198,8 @@ Command AddDiff(CLI::App& app, DiffOptions& diff) {
         app.add_subcommand("diff", "machines added, removed and changed from bank A to bank B");
     command->add_option("A", diff.a, "a bank file")->required();
     command->add_option("B", diff.b, "a bank file")->required();
-    AddFormatOption(command, &diff.format, {"table", "json"});
+    AddFormatOption(command, &diff.format, {"table", "csv", "json"});
+    AddEncodingOption(command, &diff.encoding);
     return Calling(command, RunDiff, diff);
 }
 

@@ -74,6 +74,9 @@ struct EditOptions {
     std::string newMaker;                  // rename
     std::string newGrade;                  // rename
     bool allowLoss = false;
+    // The code page of the bank's texts: maker, grade and text values, given in UTF-8, are
+    // written to the bank in it.
+    std::string encoding = "cp1252";
 };
 int RunSet(const EditOptions& options, std::ostream& out, std::ostream& err);
 int RunAdd(const EditOptions& options, std::ostream& out, std::ostream& err);
@@ -85,7 +88,8 @@ int RunRename(const EditOptions& options, std::ostream& out, std::ostream& err);
 struct DiffOptions {
     std::string a;
     std::string b;
-    std::string format = "table";  // "table" or "json"
+    std::string format = "table";  // "table", "csv" or "json"
+    std::string encoding = "cp1252";
 };
 int RunDiff(const DiffOptions& options, std::ostream& out, std::ostream& err);
 

@@ -1,11 +1,17 @@
 // qzrbank diff: the machines two banks hold, compared as the honest write compares a bank with
 // what it reads back (MachineComparison.h), over the attributes both banks' formats hold.
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
 #include <QZRMachine/QZRMoldingMachineCtrl.h>
 
 #include "BankFiles.h"
 #include "BankLoading.h"
 #include "Commands.h"
 #include "MachineComparison.h"
+#include "TextEncoding.h"
 #include "TextTable.h"
 #include "bank/BankKind.h"
 
@@ -76,6 +82,35 @@ std::vector<std::string> NotCompared(const DiffSide& a, const DiffSide& b) {
     return names;
 }
 
+// One row per changed attribute, and one per machine added or removed. The table shows values
+// as messages do (texts quoted, numbers with their unit); CSV gives them bare, the unit apart.
+TextTable DiffTable(const std::vector<MachineDifference>& differences, bool forCsv) {
+    TextTable table;
+    table.header = {"Change", "Maker", "Grade", "Attribute", "A", "B"};
+    if (forCsv) {
+        table.header.push_back("Unit");
+    }
+    table.rightAligned.assign(table.header.size(), false);
+    for (const MachineDifference& machine : differences) {
+        const std::string what = WhatName(machine.what);
+        if (machine.changes.empty()) {
+            table.rows.push_back({what, machine.maker, machine.grade, "", "", ""});
+            if (forCsv) {
+                table.rows.back().emplace_back();
+            }
+        }
+        for (const AttributeChange& change : machine.changes) {
+            table.rows.push_back({what, machine.maker, machine.grade, change.name,
+                                  forCsv ? change.before : Shown(change, change.before),
+                                  forCsv ? change.after : Shown(change, change.after)});
+            if (forCsv) {
+                table.rows.back().push_back(change.unit);
+            }
+        }
+    }
+    return table;
+}
+
 void PrintDiffTable(size_t machines, const std::vector<MachineDifference>& differences,
                     const std::vector<std::string>& notCompared, std::ostream& out) {
     if (!notCompared.empty()) {
@@ -85,23 +120,10 @@ void PrintDiffTable(size_t machines, const std::vector<MachineDifference>& diffe
         }
         out << "not compared (one format only): " << names << '\n';
     }
-    TextTable table;
-    table.header = {"Change", "Maker", "Grade", "Attribute", "A", "B"};
-    table.rightAligned = {false, false, false, false, false, false};
-    for (const MachineDifference& machine : differences) {
-        const std::string what = WhatName(machine.what);
-        if (machine.changes.empty()) {
-            table.rows.push_back({what, machine.maker, machine.grade, "", "", ""});
-        }
-        for (const AttributeChange& change : machine.changes) {
-            table.rows.push_back({what, machine.maker, machine.grade, change.name,
-                                  Shown(change, change.before), Shown(change, change.after)});
-        }
-    }
-    if (table.rows.empty()) {
+    if (differences.empty()) {
         out << machines << (machines == 1 ? " machine" : " machines") << ", no differences\n";
     } else {
-        PrintTable(out, table);
+        PrintTable(out, DiffTable(differences, false));
     }
 }
 
@@ -132,20 +154,28 @@ void PrintDiffJson(const DiffSide& a, const DiffSide& b,
 }  // namespace
 
 int RunDiff(const DiffOptions& options, std::ostream& out, std::ostream& err) {
+    const std::optional<TextEncoding> encoding = EncodingOption(options.encoding, err);
     DiffSide a;
     DiffSide b;
-    if (!LoadSide(options.a, &a, err) || !LoadSide(options.b, &b, err)) {
+    if (!encoding || !LoadSide(options.a, &a, err) || !LoadSide(options.b, &b, err)) {
         return kExitError;
     }
     const auto both = [&a, &b](const Attribute& attribute) {
         return CarriedBy(attribute, a.format) && CarriedBy(attribute, b.format);
     };
     const std::vector<ComparedMachine> machines = MachinesToCompare(a.catalogue);
-    const std::vector<MachineDifference> differences = CompareMachines(
+    std::vector<MachineDifference> differences = CompareMachines(
         machines, MachinesToCompare(b.catalogue), both, [](const Attribute&) { return true; });
+    std::string error;
+    if (!DecodeDifferences(*encoding, &differences, &error)) {
+        err << "qzrbank: " << options.b << ": " << error << '\n';
+        return kExitError;
+    }
     const std::vector<std::string> notCompared = NotCompared(a, b);
     if (options.format == "json") {
         PrintDiffJson(a, b, differences, notCompared, out);
+    } else if (options.format == "csv") {
+        PrintCsv(out, DiffTable(differences, true));
     } else {
         PrintDiffTable(machines.size(), differences, notCompared, out);
     }

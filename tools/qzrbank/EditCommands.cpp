@@ -1,5 +1,9 @@
 // qzrbank set, add, rm and rename: one machine of a user bank changed in place, through the
 // honest write (BankWrite.h), the bank's previous content kept as BANK.bak.
+#include <optional>
+#include <string>
+#include <vector>
+
 #include <QZRMachine/QZRMoldingMachineCtrl.h>
 
 #include "BankLoading.h"
@@ -7,6 +11,7 @@
 #include "Commands.h"
 #include "MachineDetails.h"
 #include "MachineEditing.h"
+#include "TextEncoding.h"
 
 namespace qzrbank {
 
@@ -23,6 +28,29 @@ bool LoadForEdit(const EditOptions& options, EditedBank* bank, std::ostream& err
         return false;
     }
     bank->write.allowLoss = options.allowLoss;
+    bank->write.encoding = TextEncoding::Parse(options.encoding).value_or(TextEncoding());
+    return true;
+}
+
+// The edit's texts as the bank holds them: maker, grade, new maker and grade, and each
+// KEY=VALUE, from the command line's UTF-8 into the bank's code page. False, with a message, at
+// a character the code page lacks.
+bool InBankCodePage(const EditOptions& given, EditOptions* options, std::ostream& err) {
+    const std::optional<TextEncoding> encoding = EncodingOption(given.encoding, err);
+    if (!encoding) {
+        return false;
+    }
+    *options = given;
+    std::vector<std::string*> texts = {&options->maker, &options->grade, &options->newMaker,
+                                       &options->newGrade};
+    for (std::string& assignment : options->assignments) {
+        texts.push_back(&assignment);
+    }
+    for (std::string* text : texts) {
+        if (!ArgumentInCodePage(*encoding, given.bank, text, err)) {
+            return false;
+        }
+    }
     return true;
 }
 
@@ -181,7 +209,11 @@ class RenameEdit : public Edit {
 
 }  // namespace
 
-int RunSet(const EditOptions& options, std::ostream& out, std::ostream& err) {
+int RunSet(const EditOptions& given, std::ostream& out, std::ostream& err) {
+    EditOptions options;
+    if (!InBankCodePage(given, &options, err)) {
+        return kExitError;
+    }
     if (options.assignments.empty()) {
         err << "qzrbank: set needs at least one KEY=VALUE\n";
         return kExitError;
@@ -190,17 +222,29 @@ int RunSet(const EditOptions& options, std::ostream& out, std::ostream& err) {
     return RunEdit(options, true, &edit, out, err);
 }
 
-int RunAdd(const EditOptions& options, std::ostream& out, std::ostream& err) {
+int RunAdd(const EditOptions& given, std::ostream& out, std::ostream& err) {
+    EditOptions options;
+    if (!InBankCodePage(given, &options, err)) {
+        return kExitError;
+    }
     AddEdit edit(options);
     return RunEdit(options, false, &edit, out, err);
 }
 
-int RunRemove(const EditOptions& options, std::ostream& out, std::ostream& err) {
+int RunRemove(const EditOptions& given, std::ostream& out, std::ostream& err) {
+    EditOptions options;
+    if (!InBankCodePage(given, &options, err)) {
+        return kExitError;
+    }
     RemoveEdit edit;
     return RunEdit(options, true, &edit, out, err);
 }
 
-int RunRename(const EditOptions& options, std::ostream& out, std::ostream& err) {
+int RunRename(const EditOptions& given, std::ostream& out, std::ostream& err) {
+    EditOptions options;
+    if (!InBankCodePage(given, &options, err)) {
+        return kExitError;
+    }
     RenameEdit edit(options);
     return RunEdit(options, true, &edit, out, err);
 }

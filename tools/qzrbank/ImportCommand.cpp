@@ -219,6 +219,7 @@ int RunImport(const ImportOptions& options, std::ostream& out, std::ostream& err
     write.force = true;
     write.allowLoss = options.allowLoss;
     write.dryRun = options.dryRun;
+    write.encoding = *encoding;
     return WriteBank(catalogue, write, out, err);
 }
 

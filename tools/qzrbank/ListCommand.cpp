@@ -534,12 +534,17 @@ void PrintList(const ListOptions& options, const ListSelection& selection,
 
 }  // namespace
 
-int RunList(const ListOptions& options, std::ostream& out, std::ostream& err) {
-    const std::optional<TextEncoding> encoding = EncodingOption(options.encoding, err);
+int RunList(const ListOptions& given, std::ostream& out, std::ostream& err) {
+    const std::optional<TextEncoding> encoding = EncodingOption(given.encoding, err);
+    ListOptions options = given;
+    if (!encoding ||
+        (options.maker && !ArgumentInCodePage(*encoding, "--maker", &*options.maker, err))) {
+        return kExitError;
+    }
     ListSelection selection;
     std::string error;
-    if (!encoding || !SelectionOf(options, &selection, &error)) {
-        err << (error.empty() ? "" : "qzrbank: " + error + '\n');
+    if (!SelectionOf(options, &selection, &error)) {
+        err << "qzrbank: " << error << '\n';
         return kExitError;
     }
     const std::string dir = options.bankDir ? *options.bankDir : ShippedBankFolder();
@@ -572,16 +577,17 @@ int RunList(const ListOptions& options, std::ostream& out, std::ostream& err) {
     SortMachines(selection.sortKeys, &machines);
     PrintList(options, selection, machines, out);
     if (options.maker && !found) {
-        err << "qzrbank: no machine of maker \"" << *options.maker << "\" in " << folder.path
-            << '\n';
+        err << "qzrbank: no machine of maker \"" << *given.maker << "\" in " << folder.path << '\n';
         return kExitNegative;
     }
     return kExitOk;
 }
 
-int RunShow(const ShowOptions& options, std::ostream& out, std::ostream& err) {
-    const std::optional<TextEncoding> encoding = EncodingOption(options.encoding, err);
-    if (!encoding) {
+int RunShow(const ShowOptions& given, std::ostream& out, std::ostream& err) {
+    const std::optional<TextEncoding> encoding = EncodingOption(given.encoding, err);
+    ShowOptions options = given;
+    if (!encoding || !ArgumentInCodePage(*encoding, given.bank, &options.maker, err) ||
+        !ArgumentInCodePage(*encoding, given.bank, &options.grade, err)) {
         return kExitError;
     }
     LoadedFolder loaded;
@@ -595,7 +601,7 @@ int RunShow(const ShowOptions& options, std::ostream& out, std::ostream& err) {
     if (shown) {
         return *shown;
     }
-    err << "qzrbank: no machine \"" << options.maker << " - " << options.grade << "\" in "
+    err << "qzrbank: no machine \"" << given.maker << " - " << given.grade << "\" in "
         << options.bank << '\n';
     return kExitNegative;
 }

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <deque>
 #include <map>
+#include <utility>
 
 #include "BankLoading.h"
 #include "Finding.h"
@@ -145,6 +146,34 @@ std::vector<MachineDifference> CompareMachines(const std::vector<ComparedMachine
 
 std::string DisplayName(const MachineDifference& machine) {
     return machine.maker + " - " + machine.grade;
+}
+
+bool DecodeDifferences(const TextEncoding& encoding, std::vector<MachineDifference>* differences,
+                       std::string* error) {
+    for (MachineDifference& machine : *differences) {
+        const std::string name =
+            encoding.DecodeOrEscape(machine.maker) + " - " + encoding.DecodeOrEscape(machine.grade);
+        const auto decode = [&](const std::string& field, std::string* text) {
+            std::string utf8;
+            if (error == nullptr) {
+                utf8 = encoding.DecodeOrEscape(*text);
+            } else if (!encoding.DecodeField(*text, name, field, &utf8, error)) {
+                return false;
+            }
+            *text = std::move(utf8);
+            return true;
+        };
+        if (!decode("Maker", &machine.maker) || !decode("Grade", &machine.grade)) {
+            return false;
+        }
+        for (AttributeChange& change : machine.changes) {
+            if (!change.numeric &&
+                (!decode(change.name, &change.before) || !decode(change.name, &change.after))) {
+                return false;
+            }
+        }
+    }
+    return true;
 }
 
 }  // namespace qzrbank

@@ -11,6 +11,7 @@
 #include <QZRMachine/QZRMoldingMachineCtrl.h>
 
 #include "MachineDetails.h"
+#include "TextEncoding.h"
 
 namespace qzrbank {
 
@@ -69,6 +70,12 @@ std::vector<MachineDifference> CompareMachines(const std::vector<ComparedMachine
 
 // "maker - grade".
 std::string DisplayName(const MachineDifference& machine);
+
+// The texts of the differences (maker, grade, text values) from the bank's code page into
+// UTF-8. With error, false at the first byte the code page lacks, *error naming the machine and
+// field; without, such bytes are written as "\x81" (for reports, which must not fail).
+bool DecodeDifferences(const TextEncoding& encoding, std::vector<MachineDifference>* differences,
+                       std::string* error = nullptr);
 
 }  // namespace qzrbank
 

@@ -1,5 +1,7 @@
 #include "TextEncoding.h"
 
+#include "Finding.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
@@ -233,6 +235,26 @@ std::optional<TextEncoding> EncodingOption(const std::string& name, std::ostream
         err << "qzrbank: unknown encoding '" << name << "' (" << TextEncoding::kNames << ")\n";
     }
     return encoding;
+}
+
+bool ArgumentInCodePage(const TextEncoding& encoding, const std::string& where, std::string* text,
+                        std::ostream& err) {
+    // What is no UTF-8 was typed in the bank's own code page, or pasted from a bank: it reaches
+    // the bank unchanged.
+    char32_t codePoint = 0;
+    for (size_t offset = 0; offset < text->size();) {
+        if (!ReadCodePoint(*text, &offset, &codePoint)) {
+            return true;
+        }
+    }
+    const EncodedText bytes = encoding.Encode(*text);
+    if (!bytes.ok) {
+        err << "qzrbank: " << where << ": " << Quoted(*text) << ": the character at byte "
+            << bytes.badOffset << " has no " << encoding.Name() << " counterpart\n";
+        return false;
+    }
+    *text = bytes.text;
+    return true;
 }
 
 bool ReadCodePoint(std::string_view utf8, size_t* offset, char32_t* codePoint) {

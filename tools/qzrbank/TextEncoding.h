@@ -59,6 +59,12 @@ class TextEncoding {
 // The encoding an --encoding option names; none, with a usage error on err, for another name.
 std::optional<TextEncoding> EncodingOption(const std::string& name, std::ostream& err);
 
+// A text of the command line (UTF-8) in the bank's code page, to find or write bank texts; a
+// text that is no UTF-8 stays as it is. False, with 'qzrbank: WHERE: "TEXT": the character at
+// byte N has no cp1252 counterpart' on err, at a character the code page lacks.
+bool ArgumentInCodePage(const TextEncoding& encoding, const std::string& where, std::string* text,
+                        std::ostream& err);
+
 // Reads the UTF-8 character at *offset into *codePoint and moves *offset past it; false, with
 // *offset unchanged, for a byte that starts no well-formed character (an overlong form, a
 // surrogate, a cut sequence).
