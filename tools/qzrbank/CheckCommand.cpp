@@ -32,9 +32,14 @@ class CheckReport {
     CheckReport(const std::string& format, const TextEncoding& encoding, std::ostream& out)
         : m_format(format == "json"    ? Format::kJson
                    : format == "table" ? Format::kTable
+                   : format == "csv"   ? Format::kCsv
                                        : Format::kText),
           m_encoding(encoding),
-          m_out(out) {}
+          m_out(out) {
+        if (m_format == Format::kCsv) {
+            AppendCsvRow(kHeader, &m_text);
+        }
+    }
 
     void Add(const Finding& finding) {
         ++m_findings;
@@ -46,6 +51,10 @@ class CheckReport {
             m_encoding.AppendDecodedOrEscaped(finding.message, &m_message);
             if (m_format == Format::kJson) {
                 AddJson(finding);
+            } else if (m_format == Format::kCsv) {
+                AppendCsvRow({finding.path, std::to_string(finding.line),
+                              SeverityName(finding.severity), finding.code, m_message},
+                             &m_text);
             } else {
                 AddTableRow(finding);
             }
@@ -66,7 +75,7 @@ class CheckReport {
             m_text += m_findings == 0 ? "[]\n" : "\n]\n";
         } else if (m_format == Format::kTable) {
             PrintTableRows();
-        } else {
+        } else if (m_format == Format::kText) {
             PrintCleanFiles();
         }
         Flush();
@@ -75,9 +84,11 @@ class CheckReport {
     bool AnyFinding() const { return m_findings > 0; }
 
   private:
-    enum class Format { kText, kTable, kJson };
+    enum class Format { kText, kTable, kCsv, kJson };
 
     static constexpr size_t kColumns = 5;
+    static inline const std::vector<std::string_view> kHeader = {"Path", "Line", "Severity", "Code",
+                                                                 "Message"};
 
     void Flush() {
         m_out.write(m_text.data(), static_cast<std::streamsize>(m_text.size()));
@@ -159,8 +170,7 @@ class CheckReport {
     }
 
     void PrintTableRows() {
-        const std::vector<std::string_view> header = {"Path", "Line", "Severity", "Code",
-                                                      "Message"};
+        const std::vector<std::string_view>& header = kHeader;
         const std::vector<bool> rightAligned = {false, true, false, false, false};
         std::vector<size_t> widths(kColumns);
         for (size_t column = 0; column < kColumns; ++column) {

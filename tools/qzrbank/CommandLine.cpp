@@ -144,7 +144,7 @@ Command AddShow(CLI::App& app, ShowOptions& show) {
     command->add_option("BANK", show.bank, "a bank file or a bank folder")->required();
     command->add_option("MAKER", show.maker, "the maker")->required();
     command->add_option("GRADE", show.grade, "the grade")->required();
-    AddFormatOption(command, &show.format, {"text", "json"});
+    AddFormatOption(command, &show.format, {"text", "csv", "json"});
     AddEncodingOption(command, &show.encoding);
     return Calling(command, RunShow, show);
 }
@@ -164,7 +164,7 @@ Command AddCheck(CLI::App& app, CheckOptions& check) {
         "report what the loaders skip, stop at or change, as PATH:LINE: severity: message");
     command->add_option("FILE", check.targets, "bank files, bank folders, or - for standard input")
         ->required();
-    AddFormatOption(command, &check.format, {"text", "table", "json"});
+    AddFormatOption(command, &check.format, {"text", "table", "csv", "json"});
     AddEncodingOption(command, &check.encoding);
     return {command, [&check](std::istream& in, std::ostream& out, std::ostream& err) {
                 return RunCheck(check, in, out, err);

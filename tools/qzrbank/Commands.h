@@ -36,7 +36,7 @@ struct ShowOptions {
     std::string bank;  // a bank file or a bank folder
     std::string maker;
     std::string grade;
-    std::string format = "text";      // "text" or "json"
+    std::string format = "text";      // "text", "csv" or "json"
     std::string encoding = "cp1252";  // the code page of the bank texts: cp1252, cp932 or latin1
 };
 int RunShow(const ShowOptions& options, std::ostream& out, std::ostream& err);
@@ -50,7 +50,7 @@ int RunInfo(const InfoOptions& options, std::ostream& out, std::ostream& err);
 
 struct CheckOptions {
     std::vector<std::string> targets;  // files, folders, "-" for standard input
-    std::string format = "text";       // "text", "table" or "json"
+    std::string format = "text";       // "text", "table", "csv" or "json"
     std::string encoding = "cp1252";   // the code page of the bank texts: cp1252, cp932 or latin1
 };
 // Standard input is read from in.

@@ -415,6 +415,20 @@ size_t MakerCount(const std::vector<ListedMachine>& machines) {
     return static_cast<size_t>(std::unique(makers.begin(), makers.end()) - makers.begin());
 }
 
+// One row per attribute, the head's first: Attribute, Value (as text shows it) and Unit.
+TextTable AttributesTable(const std::vector<std::pair<std::string, std::string>>& head,
+                          const std::vector<Attribute>& attributes) {
+    TextTable table;
+    table.header = {"Attribute", "Value", "Unit"};
+    for (const auto& [name, value] : head) {
+        table.rows.push_back({name, value, ""});
+    }
+    for (const Attribute& attribute : attributes) {
+        table.rows.push_back({attribute.name, attribute.text, attribute.unit});
+    }
+    return table;
+}
+
 void PrintAttributesText(std::ostream& out,
                          const std::vector<std::pair<std::string, std::string>>& head,
                          const std::vector<Attribute>& attributes) {
@@ -484,6 +498,8 @@ std::optional<int> ShowMachine(const SourcedCatalogue& sourced, const ShowOption
     }
     if (options.format == "json") {
         out << JsonText(AttributesJson(head, attributes)) << '\n';
+    } else if (options.format == "csv") {
+        PrintCsv(out, AttributesTable(head, attributes));
     } else {
         PrintAttributesText(out, head, attributes);
     }

@@ -117,17 +117,21 @@ void AppendTableRow(const std::vector<std::string_view>& cells, const std::vecto
     *text += '\n';
 }
 
-void PrintCsv(std::ostream& out, const TextTable& table) {
-    auto print = [&out](const std::vector<std::string>& row) {
-        for (size_t column = 0; column < row.size(); ++column) {
-            out << (column > 0 ? "," : "") << CsvCell(row[column]);
-        }
-        out << '\n';
-    };
-    print(table.header);
-    for (const auto& row : table.rows) {
-        print(row);
+void AppendCsvRow(const std::vector<std::string_view>& cells, std::string* text) {
+    for (size_t column = 0; column < cells.size(); ++column) {
+        *text += column > 0 ? "," : "";
+        *text += CsvCell(std::string(cells[column]));
     }
+    *text += '\n';
+}
+
+void PrintCsv(std::ostream& out, const TextTable& table) {
+    std::string text;
+    AppendCsvRow(std::vector<std::string_view>(table.header.begin(), table.header.end()), &text);
+    for (const auto& row : table.rows) {
+        AppendCsvRow(std::vector<std::string_view>(row.begin(), row.end()), &text);
+    }
+    out << text;
 }
 
 std::string JsonText(const nlohmann::ordered_json& value) {

@@ -30,6 +30,8 @@ void AppendTableRow(const std::vector<std::string_view>& cells, const std::vecto
                     const std::vector<bool>& rightAligned, std::string* text);
 // One line per row, header first; cells with a comma, quote or line end are quoted.
 void PrintCsv(std::ostream& out, const TextTable& table);
+// One such line, appended to *text.
+void AppendCsvRow(const std::vector<std::string_view>& cells, std::string* text);
 
 // Bank texts are 8-bit texts of the host's code page: bytes that do not form UTF-8 are shown
 // as U+FFFD rather than making the output invalid.
