@@ -2,13 +2,11 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <functional>
 #include <system_error>
 #include <utility>
 
 #include "BankFiles.h"
 #include "bank/BankKind.h"
-#include "bank/LoadObserver.h"
 #include "platform/ExecutablePath.h"
 #include "platform/Wildcard.h"
 
@@ -119,13 +117,14 @@ std::string PatternFolder(const std::string& pattern) {
 }
 
 void LoadSources(const std::string& bankFolder, const FolderSource* begin, const FolderSource* end,
-                 SourcedCatalogue* catalogue, std::vector<Finding>* warnings) {
+                 SourcedCatalogue* catalogue, LoadWatcher* watcher,
+                 std::vector<Finding>* warnings) {
     for (const FolderSource* source = begin; source != end; ++source) {
         const std::string path = FindTail(bankFolder, *source, warnings);
         if (path.empty() || (source->isPattern && !IsFolder(PatternFolder(path)))) {
             continue;
         }
-        catalogue->Load(source->load, path);
+        catalogue->Load(source->load, path, watcher);
     }
 }
 
@@ -210,56 +209,16 @@ bool LoadWatched(BankLoad load, const std::string& path, CQZRMoldingMachineCtrl*
     return loaded;
 }
 
-namespace {
-
-// Passes every event of a load on to the observer installed before it, and tells the end of
-// each file (its machine count) to a SourcedCatalogue as well.
-class FileEnds : public qzr::bank::LoadObserver {
-  public:
-    explicit FileEnds(std::function<void(std::string_view)> fileEnded)
-        : m_fileEnded(std::move(fileEnded)) {}
-
-    void OnHeader(const qzr::bank::HeaderSeen& seen) override {
-        Pass(&LoadObserver::OnHeader, seen);
+bool SourcedCatalogue::Load(BankLoad load, const std::string& path, LoadWatcher* watcher) {
+    if (watcher == nullptr) {
+        const bool loaded = LoadBank(load, path, &m_catalogue);
+        FileEnded(path);
+        return loaded;
     }
-    void OnLegacyLine(const qzr::bank::LegacyLineSeen& seen) override {
-        Pass(&LoadObserver::OnLegacyLine, seen);
-    }
-    void OnSection(const qzr::bank::SectionSeen& seen) override {
-        Pass(&LoadObserver::OnSection, seen);
-    }
-    void OnKeyFromLaterSection(const qzr::bank::KeyFromLaterSection& seen) override {
-        Pass(&LoadObserver::OnKeyFromLaterSection, seen);
-    }
-    void OnLineCut(const qzr::bank::LineCut& seen) override {
-        Pass(&LoadObserver::OnLineCut, seen);
-    }
-    void OnMachineCount(const qzr::bank::MachineCount& seen) override {
-        Pass(&LoadObserver::OnMachineCount, seen);
-        m_fileEnded(seen.path);
-    }
-    void OnFieldNotConverted(const qzr::bank::FieldNotConverted& seen) override {
-        Pass(&LoadObserver::OnFieldNotConverted, seen);
-    }
-
-  private:
-    template <class Event>
-    void Pass(void (LoadObserver::*on)(const Event&), const Event& seen) {
-        if (m_next != nullptr) {
-            (m_next->*on)(seen);
-        }
-    }
-
-    qzr::bank::LoadObserver* const m_next = qzr::bank::CurrentLoadObserver();
-    std::function<void(std::string_view)> m_fileEnded;
-};
-
-}  // namespace
-
-bool SourcedCatalogue::Load(BankLoad load, const std::string& path) {
-    FileEnds ends([this](std::string_view file) { FileEnded(file); });
-    const qzr::bank::ScopedLoadObserver watch(&ends);
-    return LoadBank(load, path, &m_catalogue);
+    watcher->OnFileEnd([this](std::string_view file) { FileEnded(file); });
+    const bool loaded = LoadBank(load, path, &m_catalogue);
+    watcher->OnFileEnd(nullptr);
+    return loaded;
 }
 
 void SourcedCatalogue::FileEnded(std::string_view path) {
@@ -342,11 +301,11 @@ void LoadBankFolder(const BankFolder& folder, bool loadIMM, bool loadRTM, Loaded
     const qzr::bank::ScopedLoadObserver watch(watcher);
     if (loadIMM) {
         LoadSources(folder.path, std::begin(kIMMSources), std::end(kIMMSources), &loaded->imm,
-                    &warnings);
+                    watcher, &warnings);
     }
     if (loadRTM) {
         LoadSources(folder.path, std::begin(kRTMSources), std::end(kRTMSources), &loaded->rtm,
-                    &warnings);
+                    watcher, &warnings);
     }
     for (Finding& warning : warnings) {
         watcher->Add(std::move(warning));

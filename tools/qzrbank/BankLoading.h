@@ -38,10 +38,9 @@ bool LoadBank(BankLoad load, const std::string& path, CQZRMoldingMachineCtrl* ca
 bool LoadWatched(BankLoad load, const std::string& path, CQZRMoldingMachineCtrl* catalogue,
                  std::vector<Finding>* skipped);
 
-// A catalogue of machines of one kind, and the bank file each machine came from. The loader
-// tells the end of each file it reads (its machine count) to the load observer; the catalogue
-// issues machine ids in ascending order while it only grows, so the highest id at that moment
-// bounds that file's machines.
+// A catalogue of machines of one kind, and the bank file each machine came from. The catalogue
+// issues machine ids in ascending order while it only grows, so the highest id when a file's
+// load ends bounds that file's machines.
 class SourcedCatalogue {
   public:
     explicit SourcedCatalogue(bool rtm) : m_rtm(rtm) {}
@@ -49,9 +48,9 @@ class SourcedCatalogue {
     const CQZRMoldingMachineCtrl& Catalogue() const { return m_catalogue; }
     CQZRMoldingMachineCtrl& Catalogue() { return m_catalogue; }
 
-    // LoadBank into this catalogue; the observer installed on this thread, if any, hears the
-    // load as well.
-    bool Load(BankLoad load, const std::string& path);
+    // LoadBank into this catalogue. A folder load tells where each file ends through the
+    // watcher installed for it; without one the load is taken as the one file of path.
+    bool Load(BankLoad load, const std::string& path, LoadWatcher* watcher = nullptr);
     // The name (without folders) of the bank file that gave the machine; empty when unknown.
     std::string SourceOf(int machineId) const;
 

@@ -188,6 +188,9 @@ void LoadWatcher::OnMachineCount(const qzr::bank::MachineCount& seen) {
     } else if (seen.read == 0) {
         Report(seen.path, 0, Severity::kWarning, "no-machines", "no machine loads from this file");
     }
+    if (m_fileEnded) {
+        m_fileEnded(seen.path);
+    }
 }
 
 void LoadWatcher::OnFieldNotConverted(const qzr::bank::FieldNotConverted& seen) {

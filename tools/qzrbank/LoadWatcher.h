@@ -5,7 +5,10 @@
 #ifndef QZRBANK_LOADWATCHER_H
 #define QZRBANK_LOADWATCHER_H
 
+#include <functional>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "Finding.h"
@@ -49,6 +52,10 @@ class LoadWatcher : public qzr::bank::LoadObserver {
     const std::vector<Finding>& Findings() const { return m_findings; }
     std::vector<Finding> TakeFindings() { return std::move(m_findings); }
     void Add(Finding finding) { m_findings.push_back(std::move(finding)); }
+    // Called with each file's path when its load ends (its machine count is known).
+    void OnFileEnd(std::function<void(std::string_view)> fileEnded) {
+        m_fileEnded = std::move(fileEnded);
+    }
 
   private:
     void Report(std::string_view path, long line, Severity severity, const char* code,
@@ -60,6 +67,7 @@ class LoadWatcher : public qzr::bank::LoadObserver {
     std::vector<std::string> m_originPaths;
     std::vector<Finding> m_findings;
     std::string m_rowsOf;  // the legacy file whose rows are being read
+    std::function<void(std::string_view)> m_fileEnded;
 };
 
 }  // namespace qzrbank
