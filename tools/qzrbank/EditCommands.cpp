@@ -102,7 +102,7 @@ int RunEdit(const EditOptions& options, bool existing, Edit* edit, std::ostream&
 
 class SetEdit : public Edit {
   public:
-    explicit SetEdit(const std::vector<std::string>& assignments) : m_assignments(assignments) {}
+    explicit SetEdit(const EditOptions& options) : m_assignments(options.assignments) {}
     bool Apply(CQZRMoldingMachineCtrl* catalogue, CQZRIM* machine, std::string* error) override {
         return Set(catalogue, machine, error);
     }
@@ -163,6 +163,7 @@ class AddEdit : public Edit {
 
 class RemoveEdit : public Edit {
   public:
+    explicit RemoveEdit(const EditOptions&) {}
     bool Apply(CQZRMoldingMachineCtrl* catalogue, CQZRIM* machine, std::string* error) override {
         return Remove(catalogue, *machine, error);
     }
@@ -207,46 +208,37 @@ class RenameEdit : public Edit {
     const EditOptions& m_options;
 };
 
-}  // namespace
-
-int RunSet(const EditOptions& given, std::ostream& out, std::ostream& err) {
+// The edit of kind EditKind, its texts in the bank's code page first.
+template <class EditKind>
+int RunEncodedEdit(const EditOptions& given, bool existing, std::ostream& out, std::ostream& err) {
     EditOptions options;
     if (!InBankCodePage(given, &options, err)) {
         return kExitError;
     }
+    EditKind edit(options);
+    return RunEdit(options, existing, &edit, out, err);
+}
+
+}  // namespace
+
+int RunSet(const EditOptions& options, std::ostream& out, std::ostream& err) {
     if (options.assignments.empty()) {
         err << "qzrbank: set needs at least one KEY=VALUE\n";
         return kExitError;
     }
-    SetEdit edit(options.assignments);
-    return RunEdit(options, true, &edit, out, err);
+    return RunEncodedEdit<SetEdit>(options, true, out, err);
 }
 
-int RunAdd(const EditOptions& given, std::ostream& out, std::ostream& err) {
-    EditOptions options;
-    if (!InBankCodePage(given, &options, err)) {
-        return kExitError;
-    }
-    AddEdit edit(options);
-    return RunEdit(options, false, &edit, out, err);
+int RunAdd(const EditOptions& options, std::ostream& out, std::ostream& err) {
+    return RunEncodedEdit<AddEdit>(options, false, out, err);
 }
 
-int RunRemove(const EditOptions& given, std::ostream& out, std::ostream& err) {
-    EditOptions options;
-    if (!InBankCodePage(given, &options, err)) {
-        return kExitError;
-    }
-    RemoveEdit edit;
-    return RunEdit(options, true, &edit, out, err);
+int RunRemove(const EditOptions& options, std::ostream& out, std::ostream& err) {
+    return RunEncodedEdit<RemoveEdit>(options, true, out, err);
 }
 
-int RunRename(const EditOptions& given, std::ostream& out, std::ostream& err) {
-    EditOptions options;
-    if (!InBankCodePage(given, &options, err)) {
-        return kExitError;
-    }
-    RenameEdit edit(options);
-    return RunEdit(options, true, &edit, out, err);
+int RunRename(const EditOptions& options, std::ostream& out, std::ostream& err) {
+    return RunEncodedEdit<RenameEdit>(options, true, out, err);
 }
 
 }  // namespace qzrbank
